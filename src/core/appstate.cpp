@@ -1,0 +1,27 @@
+#include "appstate.h"
+
+#include "platform.h"
+
+QString gRecipeType = QStringLiteral("Food");
+qint16 gSubWindows = 0;
+AppSettings gSettings;
+
+QStringList RecipeTypes()
+{
+    return {QStringLiteral("Food"), QStringLiteral("Drink"), QStringLiteral("Other")};
+}
+
+QString TypeCode(const QString &recipeType)
+{
+    return recipeType.left(1);
+}
+
+void SubWindowOpened()
+{
+    gSubWindows = Add16(gSubWindows, 1);
+}
+
+void SubWindowClosed()
+{
+    gSubWindows = Sub16(gSubWindows, 1);
+}

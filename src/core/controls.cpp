@@ -1,0 +1,129 @@
+#include "controls.h"
+
+#include "appstate.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTimer>
+#include <QTreeWidget>
+
+namespace {
+
+class SelectAllFilter : public QObject
+{
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::FocusIn) {
+            // After the click that gave the focus has placed the cursor.
+            auto *box = static_cast<QLineEdit *>(watched);
+            QTimer::singleShot(0, box, [box] { SelectAllText(box); });
+        }
+        return false;
+    }
+};
+
+void setBoxColours(QWidget *control, const QColor &base, const QColor &text)
+{
+    QPalette palette = control->palette();
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::Text, text);
+    control->setPalette(palette);
+}
+
+bool isTextBox(const QWidget *control)
+{
+    return qobject_cast<const QLineEdit *>(control) || qobject_cast<const QComboBox *>(control) ||
+           qobject_cast<const QPlainTextEdit *>(control);
+}
+
+} // namespace
+
+void DisableControl(QWidget *control)
+{
+    control->setEnabled(false);
+    if (isTextBox(control))
+        setBoxColours(control, control->palette().color(QPalette::Button),
+                      control->palette().color(QPalette::Text));
+    if (auto *list = qobject_cast<QTreeWidget *>(control))
+        list->clearSelection();
+}
+
+void EnableControl(QWidget *control)
+{
+    control->setEnabled(true);
+    if (isTextBox(control))
+        setBoxColours(control, Qt::white, Qt::black);
+}
+
+bool HasSelection(const QTreeWidget *list)
+{
+    return list->topLevelItemCount() > 0 && list->currentItem() &&
+           list->currentItem()->isSelected();
+}
+
+void SelectAllText(QLineEdit *box)
+{
+    box->setSelection(0, int(box->text().size()));
+}
+
+void SelectAllOnFocus(QLineEdit *box)
+{
+    box->installEventFilter(new SelectAllFilter(box));
+}
+
+void FillRecipeTypes(QComboBox *combo)
+{
+    combo->addItems(RecipeTypes());
+}
+
+void InstallSeek(QComboBox *combo, bool (*enabled)())
+{
+    QLineEdit *edit = combo->lineEdit();
+    if (!edit)
+        return;
+    // The text as typed before the last change: the completion's memory.
+    auto typed = std::make_shared<QString>();
+    QObject::connect(edit, &QLineEdit::textEdited, combo, [combo, edit, typed, enabled](const QString &text) {
+        const bool deleting = text.size() <= typed->size();
+        *typed = text;
+        if (deleting || text.isEmpty() || !enabled())
+            return;
+        for (int i = 0; i < combo->count(); ++i) {
+            const QString entry = combo->itemText(i);
+            if (entry.size() > text.size() && entry.startsWith(text, Qt::CaseInsensitive)) {
+                edit->setText(text + entry.mid(text.size()));
+                edit->setSelection(int(entry.size()), -int(entry.size() - text.size()));
+                return;
+            }
+        }
+    });
+    QObject::connect(edit, &QLineEdit::editingFinished, combo, [typed] { typed->clear(); });
+}
+
+QString ControlText(const QWidget *control)
+{
+    if (auto *line = qobject_cast<const QLineEdit *>(control))
+        return line->text();
+    if (auto *combo = qobject_cast<const QComboBox *>(control))
+        return combo->currentText();
+    if (auto *plain = qobject_cast<const QPlainTextEdit *>(control))
+        return plain->toPlainText();
+    return {};
+}
+
+WaitCursor::WaitCursor()
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+WaitCursor::~WaitCursor()
+{
+    QApplication::restoreOverrideCursor();
+}

@@ -1,0 +1,194 @@
+#include "database.h"
+
+#include "datasources.h"
+#include "modini.h"
+#include "msgbox.h"
+#include "platform.h"
+#include "programdir.h"
+#include "sqldialect.h"
+
+#include <QFileInfo>
+#include <QSqlError>
+#include <QSqlQuery>
+
+Recordset gRS;
+QString gSQL;
+bool gNotConnected = true;
+qint16 gMaxRecipeID = 0;
+
+namespace {
+
+// SQLite's code for a statement it cannot parse or prepare (syntax, unknown table or column).
+const QString kCommandTextError = QStringLiteral("1");
+
+QString trimSpaces(const QString &text)
+{
+    qsizetype first = 0;
+    qsizetype last = text.size();
+    while (first < last && text[first] == u' ')
+        ++first;
+    while (last > first && text[last - 1] == u' ')
+        --last;
+    return text.mid(first, last - first);
+}
+
+bool isRecipeDatabase(QSqlDatabase &db)
+{
+    if (db.driverName() != u"QSQLITE")
+        return true;
+    QSqlQuery check(db);
+    if (!check.exec(QStringLiteral(
+            "SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = 'RECIPE'")) ||
+        !check.next() || check.value(0).toInt() == 0)
+        return false;
+    check.exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+    check.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
+    return true;
+}
+
+} // namespace
+
+QSqlDatabase gConn()
+{
+    return QSqlDatabase::database(kDataSourceName, false);
+}
+
+bool OpenDatabase()
+{
+    const DataSource source = FindDataSource(kDataSourceName);
+    if (source.name.isEmpty() || !QSqlDatabase::isDriverAvailable(source.driver))
+        return false;
+    // SQLite would quietly create a missing file; a missing database is a failed open.
+    if (source.driver == u"QSQLITE" && !QFileInfo(source.database).isFile())
+        return false;
+
+    if (QSqlDatabase::contains(kDataSourceName)) {
+        gRS = Recordset();
+        const bool sameDriver = gConn().driverName() == source.driver;
+        gConn().close();
+        if (!sameDriver)
+            QSqlDatabase::removeDatabase(kDataSourceName);
+    }
+    QSqlDatabase db = QSqlDatabase::contains(kDataSourceName)
+                          ? gConn()
+                          : QSqlDatabase::addDatabase(source.driver, kDataSourceName);
+    db.setDatabaseName(source.database);
+    db.setHostName(source.host);
+    db.setPort(source.port);
+    db.setUserName(QStringLiteral("admin"));
+    db.setPassword(QStringLiteral("marjoram"));
+    if (!db.open())
+        return false;
+    if (!isRecipeDatabase(db)) {
+        db.close();
+        return false;
+    }
+    gNotConnected = false;
+    return true;
+}
+
+void CloseDatabase()
+{
+    gRS = Recordset();
+    if (QSqlDatabase::contains(kDataSourceName))
+        gConn().close();
+    gNotConnected = true;
+}
+
+QString PrepareSQL(QString &sql)
+{
+    sql = trimSpaces(sql);
+    if (!sql.startsWith(QStringLiteral("INSERT INTO")))
+        return sql;
+    // An apostrophe is a delimiter when it touches a comma or a parenthesis; any other is
+    // part of a value and is doubled.
+    QString out;
+    out.reserve(sql.size() + 8);
+    const qsizetype n = sql.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        out += sql[i];
+        if (sql[i] != u'\'')
+            continue;
+        const QChar before = i > 0 ? sql[i - 1] : QChar();
+        const QChar after = i + 1 < n ? sql[i + 1] : QChar();
+        const QString twoBefore = trimSpaces(sql.mid(std::max<qsizetype>(0, i - 2), std::min<qsizetype>(2, i)));
+        if (before != u'(' && after != u',' && twoBefore != u"," && after != u')')
+            out += u'\'';
+    }
+    return out;
+}
+
+Recordset ExecuteSQL(QString &sql)
+{
+    const QString prepared = PrepareSQL(sql);
+    QSqlQuery query(gConn());
+    query.setForwardOnly(true);
+    if (!query.exec(TranslateJetSql(prepared))) {
+        const QSqlError error = query.lastError();
+        if (error.nativeErrorCode() != kCommandTextError) {
+            const QString number =
+                error.nativeErrorCode().isEmpty() ? QStringLiteral("-1") : error.nativeErrorCode();
+            MsgBox(number + QStringLiteral(": ") + error.databaseText() +
+                       QStringLiteral("\n\n") + error.driverText() + QStringLiteral("\n") +
+                       prepared,
+                   Msg::Critical, QStringLiteral("Database Error"));
+        }
+        return {};
+    }
+    if (!query.isSelect())
+        return {};
+    return Recordset(std::move(query));
+}
+
+Recordset ExecuteSQL(const QString &sql)
+{
+    QString copy = sql;
+    return ExecuteSQL(copy);
+}
+
+void RecordMaxRecipeID()
+{
+    gMaxRecipeID = ToInt16(Val(GetIniValue(IniPath(), QStringLiteral("Misc"),
+                                           QStringLiteral("MaxRecipeID"))));
+    if (gMaxRecipeID != 0 || gNotConnected)
+        return;
+    gSQL = QStringLiteral("SELECT MAX(id) FROM RECIPE");
+    const Recordset rs = ExecuteSQL(gSQL);
+    // An empty table still answers one row, holding NULL: nothing to record then.
+    if (!rs || rs.eof() || rs.value(0).isNull())
+        return;
+    const qint16 highest = ToInt16(rs.value(0).toDouble());
+    WriteIniValue(IniPath(), QStringLiteral("Misc"),
+                  QStringLiteral("MaxRecipeID=") + QString::number(highest));
+    gMaxRecipeID = highest;
+}
+
+qint32 NextId(const QString &table)
+{
+    const Recordset rs = ExecuteSQL(QStringLiteral("SELECT MAX(id) FROM ") + table);
+    if (!rs || rs.eof() || rs.value(0).isNull())
+        return 1;
+    return rs.value(0).toInt() + 1;
+}
+
+bool ReportNotConnected()
+{
+    if (!gNotConnected)
+        return false;
+    MsgBox(QStringLiteral("Because you were not able to connect to the database, this function "
+                          "has been disabled."),
+           Msg::Ok, QStringLiteral("Message"));
+    return true;
+}
+
+StatementBatch::StatementBatch()
+{
+    if (!gNotConnected)
+        m_active = gConn().transaction();
+}
+
+StatementBatch::~StatementBatch()
+{
+    if (m_active)
+        gConn().commit();
+}

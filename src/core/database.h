@@ -1,0 +1,51 @@
+#pragma once
+// The database session shared by the whole program: one connection to the data source
+// "PANTRIO", the shared result set and the statement being built.
+//
+// Every statement is SQL text run by ExecuteSQL. A failed statement returns no result;
+// an error in the command text is passed over in silence, any other failure is reported.
+
+#include "recordset.h"
+
+#include <QSqlDatabase>
+#include <QString>
+
+inline const QString kDataSourceName = QStringLiteral("PANTRIO");
+
+QSqlDatabase gConn();
+extern Recordset gRS;
+extern QString gSQL;
+extern bool gNotConnected;
+extern qint16 gMaxRecipeID;
+
+// Opens the registered data source "PANTRIO" (user "admin", password "marjoram"). A missing
+// registration, a missing file or a file that is not a recipe database is a failed open.
+bool OpenDatabase();
+void CloseDatabase();
+// Trims the statement in place, prepares it (PrepareSQL), translates it to the engine's
+// dialect and runs it.
+Recordset ExecuteSQL(QString &sql);
+Recordset ExecuteSQL(const QString &sql);
+// Trims the statement (the caller's text too) and, for an INSERT, doubles the apostrophes
+// inside its quoted values.
+QString PrepareSQL(QString &sql);
+// Records the highest recipe identifier of the first start as [Misc] MaxRecipeID.
+void RecordMaxRecipeID();
+// The largest id of the table plus one; 1 for an empty table.
+qint32 NextId(const QString &table);
+// Shows the not-connected notice when the database is not connected; true then.
+bool ReportNotConnected();
+
+// Runs several statements as one commit, so that a recipe's dozens of lines are written at
+// once. Each statement still stands on its own: what ran before a failure stays.
+class StatementBatch
+{
+public:
+    StatementBatch();
+    ~StatementBatch();
+    StatementBatch(const StatementBatch &) = delete;
+    StatementBatch &operator=(const StatementBatch &) = delete;
+
+private:
+    bool m_active = false;
+};

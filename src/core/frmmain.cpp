@@ -1,0 +1,252 @@
+#include "frmmain.h"
+
+#include "appstate.h"
+#include "controls.h"
+#include "guard.h"
+#include "msgbox.h"
+#include "periphery.h"
+#include "windowhooks.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+const QString kExitRefused = QStringLiteral("You cannot exit the Mirepan while Sub-Windows are open.");
+const QString kListWarning =
+    QStringLiteral("Be careful when making changes to the values in the combo boxes!\n"
+                   "Your changes will immediately affect the lists available in the software.");
+
+// Connects an action or button to a registered opener; without one the command stays
+// disabled until its window exists.
+template<typename Sender, typename Signal>
+void wire(Sender *sender, Signal signal, const std::function<void()> &opener)
+{
+    sender->setEnabled(bool(opener));
+    QObject::connect(sender, signal, sender, [opener] {
+        if (opener)
+            Guarded(opener);
+    });
+}
+
+} // namespace
+
+frmMain::frmMain(QWidget *parent)
+    : QMainWindow(parent)
+{
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QStringLiteral("Mirepan"));
+
+    auto *central = new QWidget(this);
+    auto *grid = new QGridLayout(central);
+    grid->setContentsMargins(16, 16, 16, 16);
+    grid->setHorizontalSpacing(14);
+    grid->setVerticalSpacing(10);
+
+    auto addRow = [&](const char *name, const QString &caption, const QString &text) {
+        auto *button = new QPushButton(caption, central);
+        button->setObjectName(QLatin1String(name));
+        button->setMinimumWidth(110);
+        auto *label = new QLabel(text, central);
+        label->setBuddy(button);
+        const int row = grid->rowCount();
+        grid->addWidget(button, row, 0);
+        grid->addWidget(label, row, 1);
+        return button;
+    };
+    cmdAddRecipe = addRow("cmdAddRecipe", QStringLiteral("&Add"),
+                          QStringLiteral("Add new recipes to the database"));
+    cmdSearchRecipe = addRow("cmdSearchRecipe", QStringLiteral("&Search"),
+                             QStringLiteral("View, print, and maintain existing recipes"));
+    cmdCabinet = addRow("cmdCabinet", QStringLiteral("&Cabinet"),
+                        QStringLiteral("Maintain your cabinets"));
+    cmdMenu = addRow("cmdMenu", QStringLiteral("&Menu"),
+                     QStringLiteral("Plan a menu and/or make a shopping list"));
+    cmdExit = addRow("cmdExit", QStringLiteral("&Exit"), QStringLiteral("Exit the Mirepan"));
+
+    cboRecipeType = new QComboBox(central);
+    cboRecipeType->setObjectName(QStringLiteral("cboRecipeType"));
+    auto *typeLabel = new QLabel(QStringLiteral("Recipe type"), central);
+    typeLabel->setBuddy(cboRecipeType);
+    const int typeRow = grid->rowCount();
+    grid->addWidget(cboRecipeType, typeRow, 0);
+    grid->addWidget(typeLabel, typeRow, 1);
+    grid->setRowStretch(grid->rowCount(), 1);
+    grid->setColumnStretch(1, 1);
+    setCentralWidget(central);
+
+    buildMenus();
+
+    wire(cmdAddRecipe, &QPushButton::clicked, Hooks().addRecipe);
+    wire(cmdSearchRecipe, &QPushButton::clicked, Hooks().searchRecipes);
+    wire(cmdCabinet, &QPushButton::clicked, Hooks().cabinet);
+    wire(cmdMenu, &QPushButton::clicked, Hooks().menuPlanner);
+    connect(cmdExit, &QPushButton::clicked, this, [this] { cmdExit_Click(); });
+    connect(cboRecipeType, &QComboBox::activated, this, &frmMain::cboRecipeType_Click);
+}
+
+void frmMain::buildMenus()
+{
+    auto action = [this](QMenu *menu, const char *name, const QString &caption) {
+        QAction *a = menu->addAction(caption);
+        a->setObjectName(QLatin1String(name));
+        return a;
+    };
+    QMenu *mnuFile = menuBar()->addMenu(QStringLiteral("&File"));
+    mnuFile->setObjectName(QStringLiteral("mnuFile"));
+    mnuAdd = action(mnuFile, "mnuAdd", QStringLiteral("&Add Recipes"));
+    mnuSearch = action(mnuFile, "mnuSearch", QStringLiteral("&Search"));
+    mnuCabinet = action(mnuFile, "mnuCabinet", QStringLiteral("Open &Cabinet"));
+    mnuMenu = action(mnuFile, "mnuMenu", QStringLiteral("Create a &Menu"));
+    mnuFile->addSeparator();
+    mnuExit = action(mnuFile, "mnuExit", QStringLiteral("E&xit"));
+
+    QMenu *mnuTools = menuBar()->addMenu(QStringLiteral("&Tools"));
+    mnuTools->setObjectName(QStringLiteral("mnuTools"));
+    QMenu *mnuTransfer = mnuTools->addMenu(QStringLiteral("&Transfer Files"));
+    mnuTransfer->setObjectName(QStringLiteral("mnuTransfer"));
+    mnuResetFile = action(mnuTransfer, "mnuResetFile", QStringLiteral("&Reset File"));
+    mnuViewTransferFile = action(mnuTransfer, "mnuViewTransferFile", QStringLiteral("&View File"));
+    mnuImport = action(mnuTransfer, "mnuImport", QStringLiteral("I&mport"));
+    mnuExport = action(mnuTransfer, "mnuExport", QStringLiteral("E&xport"));
+    QMenu *mnuCabinetTools = mnuTools->addMenu(QStringLiteral("&Cabinet Tools"));
+    mnuCabinetTools->setObjectName(QStringLiteral("mnuCabinetTools"));
+    mnuRepair = action(mnuCabinetTools, "mnuRepair", QStringLiteral("Re&pair"));
+    mnuRefresh = action(mnuCabinetTools, "mnuRefresh", QStringLiteral("Re&fresh"));
+    mnuDelDup = action(mnuCabinetTools, "mnuDelDup", QStringLiteral("&Clean"));
+    QMenu *mnuDatabase = mnuTools->addMenu(QStringLiteral("&Database"));
+    mnuDatabase->setObjectName(QStringLiteral("mnuDatabase"));
+    mnuBackupDB = action(mnuDatabase, "mnuBackupDB", QStringLiteral("&Backup"));
+    mnuRestore = action(mnuDatabase, "mnuRestore", QStringLiteral("&Restore"));
+    mnuReset = action(mnuDatabase, "mnuReset", QStringLiteral("&Reset Ratings"));
+    QMenu *mnuSettings1 = mnuTools->addMenu(QStringLiteral("&Settings"));
+    mnuSettings1->setObjectName(QStringLiteral("mnuSettings1"));
+    mnuSettings = action(mnuSettings1, "mnuSettings", QStringLiteral("Vesk &Settings"));
+    mnuList = action(mnuSettings1, "mnuList", QStringLiteral("&Combo Box Maintenance"));
+
+    QMenu *mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
+    mnuHelp->setObjectName(QStringLiteral("mnuHelp"));
+    mnuAbout = action(mnuHelp, "mnuAbout", QStringLiteral("&About Vesk"));
+    mnuContact = action(mnuHelp, "mnuContact", QStringLiteral("&Contact Information"));
+    mnuUM = action(mnuHelp, "mnuUM", QStringLiteral("&User Manual"));
+    mnuWebPage = action(mnuHelp, "mnuWebPage", QStringLiteral("&Web Page"));
+
+    // The File entries press the buttons.
+    connect(mnuAdd, &QAction::triggered, cmdAddRecipe, &QPushButton::click);
+    connect(mnuSearch, &QAction::triggered, cmdSearchRecipe, &QPushButton::click);
+    connect(mnuCabinet, &QAction::triggered, cmdCabinet, &QPushButton::click);
+    connect(mnuMenu, &QAction::triggered, cmdMenu, &QPushButton::click);
+    mnuAdd->setEnabled(bool(Hooks().addRecipe));
+    mnuSearch->setEnabled(bool(Hooks().searchRecipes));
+    mnuCabinet->setEnabled(bool(Hooks().cabinet));
+    mnuMenu->setEnabled(bool(Hooks().menuPlanner));
+    connect(mnuExit, &QAction::triggered, this, [this] { cmdExit_Click(); });
+
+    const WindowHooks &hooks = Hooks();
+    wire(mnuResetFile, &QAction::triggered, hooks.resetTransferFile);
+    wire(mnuViewTransferFile, &QAction::triggered, hooks.viewTransferFile);
+    wire(mnuImport, &QAction::triggered, hooks.importTransfer);
+    wire(mnuExport, &QAction::triggered, hooks.exportTransfer);
+    wire(mnuRepair, &QAction::triggered, hooks.repairCabinet);
+    wire(mnuRefresh, &QAction::triggered, hooks.refreshCabinet);
+    wire(mnuDelDup, &QAction::triggered, hooks.cleanCabinet);
+    wire(mnuBackupDB, &QAction::triggered, hooks.backupDatabase);
+    wire(mnuRestore, &QAction::triggered, hooks.restoreDatabase);
+    wire(mnuReset, &QAction::triggered, hooks.resetRatings);
+    wire(mnuSettings, &QAction::triggered, hooks.settings);
+    mnuList->setEnabled(bool(hooks.listMaintenance));
+    connect(mnuList, &QAction::triggered, this, &frmMain::mnuList_Click);
+
+    connect(mnuAbout, &QAction::triggered, this, [] { ShowAbout(); });
+    connect(mnuContact, &QAction::triggered, this, [] { ShowContact(); });
+    connect(mnuUM, &QAction::triggered, this, [] { OpenUserManual(); });
+    connect(mnuWebPage, &QAction::triggered, this, [] { OpenWebPage(); });
+}
+
+void frmMain::Form_Load()
+{
+    if (m_loaded)
+        return;
+    m_loaded = true;
+    FillRecipeTypes(cboRecipeType);
+    cboRecipeType->setCurrentIndex(0);
+    if (Hooks().loadSettings)
+        Guarded(Hooks().loadSettings);
+}
+
+bool frmMain::event(QEvent *event)
+{
+    if (event->type() == QEvent::Show)
+        Form_Load();
+    else if (event->type() == QEvent::WindowActivate)
+        Form_Activate();
+    return QMainWindow::event(event);
+}
+
+void frmMain::Form_Activate()
+{
+    // A type changed in another window shows here again.
+    cboRecipeType->setCurrentText(gRecipeType);
+}
+
+void frmMain::cboRecipeType_Click()
+{
+    gRecipeType = cboRecipeType->currentText();
+}
+
+void frmMain::cmdAddRecipe_Click()
+{
+    cmdAddRecipe->click();
+}
+
+void frmMain::cmdSearchRecipe_Click()
+{
+    cmdSearchRecipe->click();
+}
+
+void frmMain::cmdCabinet_Click()
+{
+    cmdCabinet->click();
+}
+
+void frmMain::cmdMenu_Click()
+{
+    cmdMenu->click();
+}
+
+bool frmMain::cmdExit_Click()
+{
+    if (gSubWindows >= 1) {
+        MsgBox(kExitRefused, Msg::Critical, QStringLiteral("Error"));
+        return false;
+    }
+    EndProgram();
+    return true;
+}
+
+void frmMain::mnuList_Click()
+{
+    MsgBox(kListWarning, Msg::Critical, QStringLiteral("Warning"));
+    if (Hooks().listMaintenance)
+        Guarded(Hooks().listMaintenance);
+}
+
+void frmMain::closeEvent(QCloseEvent *event)
+{
+    // Closing the main window by its frame ends the whole program, without the guard.
+    event->accept();
+    QTimer::singleShot(0, qApp, [] { EndProgram(); });
+}
+
+void EndProgram()
+{
+    QApplication::closeAllWindows();
+    QCoreApplication::quit();
+}

@@ -1,0 +1,74 @@
+#include "frmstatus.h"
+
+#include "msgbox.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QPointer>
+#include <QProgressBar>
+#include <QVBoxLayout>
+
+namespace {
+QPointer<frmStatus> g_status;
+}
+
+frmStatus::frmStatus(QWidget *parent)
+    : QWidget(parent, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint)
+{
+    setObjectName(QStringLiteral("frmStatus"));
+    setWindowTitle(ProgramTitle());
+    setAttribute(Qt::WA_DeleteOnClose);
+    lblMessage = new QLabel(this);
+    lblMessage->setObjectName(QStringLiteral("lblMessage"));
+    lblMessage->setWordWrap(true);
+    lblMessage->setMinimumWidth(360);
+    pgbStatus = new QProgressBar(this);
+    pgbStatus->setObjectName(QStringLiteral("pgbStatus"));
+    pgbStatus->setTextVisible(false);
+    pgbStatus->setRange(0, 100);
+    lblPct = new QLabel(QStringLiteral("0%"), this);
+    lblPct->setObjectName(QStringLiteral("lblPct"));
+    lblPct->setAlignment(Qt::AlignCenter);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(lblMessage);
+    layout->addWidget(pgbStatus);
+    layout->addWidget(lblPct);
+}
+
+void ShowStatus(const QString &message)
+{
+    if (!g_status)
+        g_status = new frmStatus;
+    g_status->lblMessage->setText(message);
+    g_status->show();
+    g_status->repaint();
+}
+
+void SetStatusMaximum(int maximum)
+{
+    if (g_status)
+        g_status->pgbStatus->setMaximum(std::max(1, maximum));
+}
+
+void SetStatusProgress(int value)
+{
+    if (!g_status)
+        return;
+    QProgressBar *bar = g_status->pgbStatus;
+    bar->setValue(std::clamp(value, bar->minimum(), bar->maximum()));
+    g_status->lblPct->setText(QString::number(100 * bar->value() / std::max(1, bar->maximum())) +
+                              u'%');
+    g_status->repaint();
+}
+
+void CloseStatus()
+{
+    if (g_status)
+        g_status->close();
+    g_status = nullptr;
+}
+
+frmStatus *StatusWindow()
+{
+    return g_status;
+}

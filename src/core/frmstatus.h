@@ -1,0 +1,39 @@
+#pragma once
+// The progress window shared by the whole program: a message, a bar and its percentage.
+
+#include <QWidget>
+
+class QLabel;
+class QProgressBar;
+
+class frmStatus : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit frmStatus(QWidget *parent = nullptr);
+
+    QLabel *lblMessage;
+    QProgressBar *pgbStatus;
+    QLabel *lblPct;
+};
+
+// Shows the status window (creating it when needed) with the message.
+void ShowStatus(const QString &message);
+// Sets the progress bar (and its percentage) and repaints.
+void SetStatusProgress(int value);
+// Sets the bar's end value (100 unless told).
+void SetStatusMaximum(int maximum);
+// Unloads the status window.
+void CloseStatus();
+// The shared instance, or nullptr while none is shown.
+frmStatus *StatusWindow();
+
+// Closes the status window when the scope ends, whichever way it ends.
+class StatusGuard
+{
+public:
+    explicit StatusGuard(const QString &message) { ShowStatus(message); }
+    ~StatusGuard() { CloseStatus(); }
+    StatusGuard(const StatusGuard &) = delete;
+    StatusGuard &operator=(const StatusGuard &) = delete;
+};

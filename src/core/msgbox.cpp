@@ -1,0 +1,106 @@
+#include "msgbox.h"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QThread>
+
+namespace {
+Responder *g_responder = nullptr;
+
+QMessageBox::Icon toQtIcon(MsgIcon icon)
+{
+    switch (icon) {
+    case MsgIcon::Question:
+        return QMessageBox::Question;
+    case MsgIcon::Critical:
+        return QMessageBox::Critical;
+    case MsgIcon::Information:
+        return QMessageBox::Information;
+    case MsgIcon::Exclamation:
+        return QMessageBox::Warning;
+    case MsgIcon::None:
+        break;
+    }
+    return QMessageBox::NoIcon;
+}
+} // namespace
+
+QString ProgramTitle()
+{
+    return QStringLiteral("Mirepan");
+}
+
+void SetResponder(Responder *responder)
+{
+    g_responder = responder;
+}
+
+MsgResult MsgBox(const QString &prompt, MsgStyle style, const QString &title)
+{
+    const QString caption = title.isEmpty() ? ProgramTitle() : title;
+    if (g_responder)
+        return g_responder->messageBox(prompt, style, caption);
+
+    QMessageBox box(toQtIcon(style.icon), caption, prompt, QMessageBox::NoButton,
+                    QApplication::activeWindow());
+    switch (style.buttons) {
+    case MsgButtons::Ok:
+        box.setStandardButtons(QMessageBox::Ok);
+        break;
+    case MsgButtons::YesNo:
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        box.setDefaultButton(style.defaultNo ? QMessageBox::No : QMessageBox::Yes);
+        box.setEscapeButton(QMessageBox::No);
+        break;
+    case MsgButtons::OkCancel:
+        box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+        box.setDefaultButton(QMessageBox::Ok);
+        break;
+    }
+    switch (box.exec()) {
+    case QMessageBox::Yes:
+        return MsgResult::Yes;
+    case QMessageBox::No:
+        return MsgResult::No;
+    case QMessageBox::Cancel:
+        return MsgResult::Cancel;
+    default:
+        return MsgResult::Ok;
+    }
+}
+
+QString InputBox(const QString &prompt, const QString &title, const QString &defaultText)
+{
+    const QString caption = title.isEmpty() ? ProgramTitle() : title;
+    if (g_responder)
+        return g_responder->inputBox(prompt, caption, defaultText);
+    bool ok = false;
+    const QString answer = QInputDialog::getText(QApplication::activeWindow(), caption, prompt,
+                                                 QLineEdit::Normal, defaultText, &ok);
+    return ok ? answer : QString();
+}
+
+void ShowModal(QDialog *dialog)
+{
+    if (g_responder) {
+        g_responder->showModal(dialog);
+        return;
+    }
+    dialog->exec();
+}
+
+void Wait(double seconds)
+{
+    if (g_responder) {
+        g_responder->wait(seconds);
+        return;
+    }
+    const QDateTime end = QDateTime::currentDateTime().addMSecs(qint64(seconds * 1000));
+    while (QDateTime::currentDateTime() < end) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 100);
+        QThread::msleep(100);
+    }
+}

@@ -1,0 +1,55 @@
+#pragma once
+// The one seam through which Mirepan asks questions and gives notices.
+//
+// Every message box, input box, timed wait and modal sub-dialog goes through these functions.
+// Production shows Qt dialogs; a test installs a Responder that records each box and
+// answers from a script, so no test ever blocks on a modal window.
+
+#include <QString>
+
+class QDialog;
+
+enum class MsgButtons { Ok, YesNo, OkCancel };
+enum class MsgIcon { None, Question, Critical, Information, Exclamation };
+enum class MsgResult { Ok, Yes, No, Cancel };
+
+struct MsgStyle {
+    MsgButtons buttons = MsgButtons::Ok;
+    MsgIcon icon = MsgIcon::None;
+    // Yes/No questions default to Yes; a few questions make No (keep the old line) the default.
+    bool defaultNo = false;
+};
+
+namespace Msg {
+inline constexpr MsgStyle Ok{};
+inline constexpr MsgStyle Critical{MsgButtons::Ok, MsgIcon::Critical};
+inline constexpr MsgStyle Information{MsgButtons::Ok, MsgIcon::Information};
+inline constexpr MsgStyle Question{MsgButtons::YesNo, MsgIcon::Question};
+inline constexpr MsgStyle QuestionDefaultNo{MsgButtons::YesNo, MsgIcon::Question, true};
+} // namespace Msg
+
+// The title a box gets when its message names none.
+QString ProgramTitle();
+
+// Shows a message box; an empty title means the program's title.
+MsgResult MsgBox(const QString &prompt, MsgStyle style = Msg::Ok, const QString &title = {});
+// Asks for a line of text; returns "" for Cancel.
+QString InputBox(const QString &prompt, const QString &title = {}, const QString &defaultText = {});
+// Shows a dialog modally and returns when it has been hidden.
+void ShowModal(QDialog *dialog);
+// Waits the given seconds while the windows keep painting.
+void Wait(double seconds);
+
+class Responder
+{
+public:
+    virtual ~Responder() = default;
+    virtual MsgResult messageBox(const QString &prompt, MsgStyle style, const QString &title) = 0;
+    virtual QString inputBox(const QString &prompt, const QString &title,
+                             const QString &defaultText) = 0;
+    virtual void showModal(QDialog *dialog) = 0;
+    virtual void wait(double seconds) = 0;
+};
+
+// Installs a responder (nullptr restores the real dialogs). Not owned.
+void SetResponder(Responder *responder);

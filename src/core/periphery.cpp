@@ -1,0 +1,42 @@
+#include "periphery.h"
+
+#include "msgbox.h"
+#include "programdir.h"
+#include "shell.h"
+
+namespace {
+
+void openShipped(const QString &name, const QString &what)
+{
+    const QString path = JoinPath(ProgramDir(), name);
+    if (!OpenDocument(path))
+        MsgBox(QStringLiteral("The %1 could not be opened:\n%2").arg(what, path), Msg::Critical,
+               QStringLiteral("Error"));
+}
+
+} // namespace
+
+void ShowAbout()
+{
+    MsgBox(QStringLiteral("Mirepan %1\n\nA recipe manager for the household: recipes, the "
+                          "cabinet, menus and shopping lists.")
+               .arg(QStringLiteral(MIREPAN_VERSION)),
+           Msg::Information, QStringLiteral("About Mirepan"));
+}
+
+void ShowContact()
+{
+    MsgBox(QStringLiteral("Mirepan is kept by its household developers.\n\nQuestions and "
+                          "suggestions are welcome through the project's issue tracker."),
+           Msg::Information, QStringLiteral("Contact Information"));
+}
+
+void OpenUserManual()
+{
+    openShipped(QStringLiteral("vesk_um.rtf"), QStringLiteral("user manual"));
+}
+
+void OpenWebPage()
+{
+    openShipped(QStringLiteral("README.md"), QStringLiteral("web page"));
+}

@@ -1,0 +1,63 @@
+#include "programdir.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace {
+
+bool isWritableDir(const QString &dir)
+{
+    const QFileInfo info(dir);
+    return info.isDir() && info.isWritable();
+}
+
+QString userDataDir()
+{
+    const QString appDir = QCoreApplication::applicationDirPath();
+    QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    if (dir.isEmpty())
+        dir = QDir::homePath() + QStringLiteral("/.mirepan");
+    QDir().mkpath(dir);
+    // Stock the household's copy with the shipped files once; never overwrite theirs.
+    for (const char *name : {"pantrio.ini", "schema.sql", "vesk_um.rtf", "README.md"}) {
+        const QString target = dir + u'/' + QLatin1String(name);
+        if (!QFileInfo::exists(target))
+            QFile::copy(appDir + u'/' + QLatin1String(name), target);
+    }
+    return dir;
+}
+
+} // namespace
+
+QString ProgramDir()
+{
+    const QString home = qEnvironmentVariable("MIREPAN_HOME");
+    if (!home.isEmpty())
+        return QDir::cleanPath(home);
+    static const QString dir = [] {
+        const QString appDir = QCoreApplication::applicationDirPath();
+        return isWritableDir(appDir) ? appDir : userDataDir();
+    }();
+    return dir;
+}
+
+QString JoinPath(const QString &dir, const QString &name)
+{
+    if (dir.endsWith(u'/') || dir.endsWith(u'\\'))
+        return dir + name;
+    return dir + QDir::separator() + name;
+}
+
+QString IniPath()
+{
+    return JoinPath(ProgramDir(), QStringLiteral("pantrio.ini"));
+}
+
+QString DirectoryOf(const QString &path)
+{
+    const qsizetype cut = std::max(path.lastIndexOf(u'/'), path.lastIndexOf(u'\\'));
+    return cut < 0 ? QString() : path.left(cut + 1);
+}

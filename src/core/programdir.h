@@ -1,0 +1,16 @@
+#pragma once
+// Where Mirepan keeps its files: the settings file, the database, the manual.
+
+#include <QString>
+
+// The program directory: $MIREPAN_HOME when set; else the executable's directory when the
+// program may write there; else the user's data directory, stocked on first use with the
+// files shipped beside the executable.
+QString ProgramDir();
+// Joins a directory and a file name with the native separator, whichever separator the
+// directory was written with.
+QString JoinPath(const QString &dir, const QString &name);
+// The settings file: the program directory and "pantrio.ini".
+QString IniPath();
+// The directory part of a path up to and including its last separator ("\" or "/").
+QString DirectoryOf(const QString &path);

@@ -1,0 +1,7 @@
+#include "windowhooks.h"
+
+WindowHooks &Hooks()
+{
+    static WindowHooks hooks;
+    return hooks;
+}

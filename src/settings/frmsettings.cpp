@@ -1,0 +1,339 @@
+#include "frmsettings.h"
+
+#include "core/appstate.h"
+#include "core/guard.h"
+#include "core/modini.h"
+#include "core/msgbox.h"
+#include "core/platform.h"
+#include "core/programdir.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QIntValidator>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabBar>
+#include <QVBoxLayout>
+
+namespace {
+
+const QString kPrint = QStringLiteral("Print_Settings");
+const QString kFiles = QStringLiteral("Files");
+const QString kMisc = QStringLiteral("Misc");
+const QString kLimitNotice = QStringLiteral(
+    "You have checked the limit recipe search checkbox.\n\nThis will limit the recipe search to "
+    "return ONLY recipes entered after Vesk was installed.\n\nIf you leave this setting checked "
+    "and have not entered any recipes, the search window will return no recipes!");
+const int kFontSizes[] = {6, 7, 8, 9, 10, 11, 12, 14, 16, 18, 20};
+
+// A switch in the settings file: "True" is on; an empty or unreadable value is off.
+bool readSwitch(const QString &section, const QString &key)
+{
+    const QString value = GetIniValue(IniPath(), section, key).trimmed();
+    if (value.compare(QStringLiteral("True"), Qt::CaseInsensitive) == 0)
+        return true;
+    bool numeric = false;
+    const double number = value.toDouble(&numeric);
+    return numeric && number != 0.0;
+}
+
+QString switchText(bool on)
+{
+    return on ? QStringLiteral("True") : QStringLiteral("False");
+}
+
+QString shippedPath(const char *name)
+{
+    return JoinPath(ProgramDir(), QLatin1String(name));
+}
+
+QFrame *newFrame(const char *name, QWidget *parent)
+{
+    auto *frame = new QFrame(parent);
+    frame->setObjectName(QLatin1String(name));
+    frame->setFrameShape(QFrame::StyledPanel);
+    return frame;
+}
+
+} // namespace
+
+frmSettings::frmSettings(QWidget *parent)
+    : QDialog(parent)
+{
+    setObjectName(QStringLiteral("frmSettings"));
+    setWindowTitle(QStringLiteral("Settings"));
+    buildLayout();
+    connect(cmdClose, &QPushButton::clicked, this, &frmSettings::cmdClose_Click);
+    connect(cmdReset, &QPushButton::clicked, this, &frmSettings::cmdReset_Click);
+    connect(cmdCancel, &QPushButton::clicked, this, &frmSettings::cmdCancel_Click);
+    connect(tsSettings, &QTabBar::currentChanged, this, &frmSettings::tsSettings_Click);
+    Form_Load();
+}
+
+void frmSettings::buildLayout()
+{
+    tsSettings = new QTabBar(this);
+    tsSettings->setObjectName(QStringLiteral("tsSettings"));
+    tsSettings->addTab(QStringLiteral("&Printing"));
+    tsSettings->addTab(QStringLiteral("&Files"));
+    tsSettings->addTab(QStringLiteral("&Actions"));
+    tsSettings->setExpanding(false);
+
+    fraPrint = newFrame("fraPrint", this);
+    cboFontSize = new QComboBox(fraPrint);
+    cboFontSize->setObjectName(QStringLiteral("cboFontSize"));
+    cboFontSize->setEditable(true);
+    cboFontSize->setValidator(new QIntValidator(1, 72, cboFontSize));
+    for (int size : kFontSizes)
+        cboFontSize->addItem(QString::number(size));
+    chkNewPage = new QCheckBox(QStringLiteral("Start each recipe on its own page"), fraPrint);
+    chkNewPage->setObjectName(QStringLiteral("chkNewPage"));
+    chkSpaceBetween = new QCheckBox(QStringLiteral("Print a blank line between each recipe direction"), fraPrint);
+    chkSpaceBetween->setObjectName(QStringLiteral("chkSpaceBetween"));
+    chkPageNumbers = new QCheckBox(
+        QStringLiteral("Print the Table of Contents and number the recipes to match"), fraPrint);
+    chkPageNumbers->setObjectName(QStringLiteral("chkPageNumbers"));
+    {
+        auto *layout = new QVBoxLayout(fraPrint);
+        auto *sizeRow = new QHBoxLayout;
+        auto *sizeLabel = new QLabel(QStringLiteral("Base font &size of the printed recipes (points):"), fraPrint);
+        sizeLabel->setBuddy(cboFontSize);
+        sizeRow->addWidget(sizeLabel);
+        sizeRow->addWidget(cboFontSize);
+        sizeRow->addStretch();
+        layout->addLayout(sizeRow);
+        layout->addWidget(chkNewPage);
+        layout->addWidget(chkSpaceBetween);
+        layout->addWidget(chkPageNumbers);
+        layout->addStretch();
+    }
+
+    fraFile = newFrame("fraFile", this);
+    auto fileBox = [this](const char *name, const QString &caption, QVBoxLayout *layout) {
+        auto *box = new QLineEdit(fraFile);
+        box->setObjectName(QLatin1String(name));
+        auto *label = new QLabel(caption, fraFile);
+        label->setBuddy(box);
+        layout->addWidget(label);
+        layout->addWidget(box);
+        return box;
+    };
+    {
+        auto *layout = new QVBoxLayout(fraFile);
+        txtDatabase = fileBox("txtDatabase",
+                              QStringLiteral("Path the the database (used for creating/restoring from backups)"),
+                              layout);
+        txtTransfer = fileBox("txtTransfer",
+                              QStringLiteral("Filename used for recipe transfers (importing/exporting)"),
+                              layout);
+        txtFilename = fileBox("txtFilename",
+                              QStringLiteral("Filename used to save the previewed text (*.rtf will save in Rich Text)"),
+                              layout);
+        layout->addStretch();
+    }
+
+    fraAction = newFrame("fraAction", this);
+    chkSeek = new QCheckBox(QStringLiteral("Complete the typed text from the list in the drop-down selections"), fraAction);
+    chkSeek->setObjectName(QStringLiteral("chkSeek"));
+    chkSeekAmount = new QCheckBox(
+        QStringLiteral("Complete the typed text in the amount drop-down of the recipe entry"), fraAction);
+    chkSeekAmount->setObjectName(QStringLiteral("chkSeekAmount"));
+    auto optionPair = [this](const char *name, const QString &first, const QString &second,
+                             std::array<QRadioButton *, 2> &options) {
+        auto *group = new QButtonGroup(this);
+        options[0] = new QRadioButton(first, fraAction);
+        options[1] = new QRadioButton(second, fraAction);
+        for (int i = 0; i < 2; ++i) {
+            options[i]->setObjectName(QLatin1String(name) + QString::number(i));
+            group->addButton(options[i], i);
+        }
+    };
+    // Option 0 is the "True" of its setting; the options are listed the other way round.
+    optionPair("optSearch", QStringLiteral("View/Print the selected recipe"),
+               QStringLiteral("Edit/Copy the selected recipe"), optSearch);
+    optionPair("optAdd", QStringLiteral("Standard Form - all data viewed at once on one screen"),
+               QStringLiteral("Tabbed Form - data viewed in sections seperated by tabs"), optAdd);
+    chkLimit = new QCheckBox(
+        QStringLiteral("Limit search to ONLY return recipes entered after Vesk installation"), fraAction);
+    chkLimit->setObjectName(QStringLiteral("chkLimit"));
+    {
+        auto *layout = new QVBoxLayout(fraAction);
+        layout->addWidget(chkSeek);
+        layout->addWidget(chkSeekAmount);
+        layout->addSpacing(6);
+        layout->addWidget(new QLabel(QStringLiteral("Double Clicking a Recipe on the Search Screen will:"), fraAction));
+        layout->addWidget(optSearch[1]);
+        layout->addWidget(optSearch[0]);
+        layout->addSpacing(6);
+        layout->addWidget(new QLabel(QStringLiteral("Recipes will be added and edited through:"), fraAction));
+        layout->addWidget(optAdd[1]);
+        layout->addWidget(optAdd[0]);
+        layout->addSpacing(6);
+        layout->addWidget(chkLimit);
+        layout->addStretch();
+    }
+
+    cmdClose = new QPushButton(QStringLiteral("&Save && Close"), this);
+    cmdClose->setObjectName(QStringLiteral("cmdClose"));
+    cmdClose->setDefault(true);
+    cmdReset = new QPushButton(QStringLiteral("&Reset"), this);
+    cmdReset->setObjectName(QStringLiteral("cmdReset"));
+    cmdCancel = new QPushButton(QStringLiteral("&Cancel"), this);
+    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdClose);
+    buttons->addWidget(cmdReset);
+    buttons->addWidget(cmdCancel);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(tsSettings);
+    layout->setSpacing(0);
+    layout->addWidget(fraPrint, 1);
+    layout->addWidget(fraFile, 1);
+    layout->addWidget(fraAction, 1);
+    layout->addSpacing(10);
+    layout->addLayout(buttons);
+    tsSettings_Click();
+}
+
+void frmSettings::SetTab(int tab)
+{
+    tsSettings->setCurrentIndex(std::clamp(tab, 1, 3) - 1);
+    tsSettings_Click();
+}
+
+void frmSettings::tsSettings_Click()
+{
+    const int index = tsSettings->currentIndex();
+    fraPrint->setVisible(index == 0);
+    fraFile->setVisible(index == 1);
+    fraAction->setVisible(index == 2);
+}
+
+void frmSettings::Form_Load()
+{
+    AppSettings &s = gSettings;
+    // A missing or unreadable size keeps the printed recipes readable.
+    int fontSize = 0;
+    Guarded([&] { fontSize = int(Val(GetIniValue(IniPath(), kPrint, QStringLiteral("BaseFontSize")))); });
+    s.BaseFontSize = fontSize > 0 && fontSize <= 72 ? fontSize : 9;
+    s.NewPage = readSwitch(kPrint, QStringLiteral("NewPage"));
+    s.BlankLines = readSwitch(kPrint, QStringLiteral("BlankLines"));
+    s.PageNumbers = readSwitch(kPrint, QStringLiteral("PageNumbers"));
+    // An empty file name means the shipped default beside the program.
+    auto fileSetting = [](const QString &key, const char *fallback) {
+        const QString value = GetIniValue(IniPath(), kFiles, key);
+        return value.isEmpty() ? shippedPath(fallback) : value;
+    };
+    s.Transfer = fileSetting(QStringLiteral("Transfer"), "transfer.txt");
+    s.Preview = fileSetting(QStringLiteral("Preview"), "recipes.rtf");
+    s.Database = fileSetting(QStringLiteral("Database"), "pantrio.mdb");
+    s.RecipeView = readSwitch(kMisc, QStringLiteral("RecipeView"));
+    s.Seek = readSwitch(kMisc, QStringLiteral("Seek"));
+    s.SeekAmount = readSwitch(kMisc, QStringLiteral("SeekAmount"));
+    s.StandardAdd = readSwitch(kMisc, QStringLiteral("StandardAdd"));
+    s.OnlyNewRecipes = readSwitch(kMisc, QStringLiteral("OnlyNewRecipes"));
+
+    cboFontSize->setCurrentText(QString::number(s.BaseFontSize));
+    chkNewPage->setChecked(s.NewPage);
+    chkSpaceBetween->setChecked(s.BlankLines);
+    chkPageNumbers->setChecked(s.PageNumbers);
+    txtTransfer->setText(s.Transfer);
+    txtFilename->setText(s.Preview);
+    txtDatabase->setText(s.Database);
+    optSearch[s.RecipeView ? 0 : 1]->setChecked(true);
+    chkSeek->setChecked(s.Seek);
+    chkSeekAmount->setChecked(s.SeekAmount);
+    optAdd[s.StandardAdd ? 0 : 1]->setChecked(true);
+    chkLimit->setChecked(s.OnlyNewRecipes);
+}
+
+void frmSettings::readControls()
+{
+    AppSettings &s = gSettings;
+    const int fontSize = cboFontSize->currentText().toInt();
+    s.BaseFontSize = fontSize > 0 ? fontSize : 9;
+    s.NewPage = chkNewPage->isChecked();
+    s.BlankLines = chkSpaceBetween->isChecked();
+    s.PageNumbers = chkPageNumbers->isChecked();
+    s.Transfer = txtTransfer->text();
+    s.Preview = txtFilename->text();
+    s.Database = txtDatabase->text();
+    s.RecipeView = optSearch[0]->isChecked();
+    s.Seek = chkSeek->isChecked();
+    s.SeekAmount = chkSeekAmount->isChecked();
+    s.StandardAdd = optAdd[0]->isChecked();
+    s.OnlyNewRecipes = chkLimit->isChecked();
+}
+
+void frmSettings::cmdClose_Click()
+{
+    Guarded([this] {
+        if (chkLimit->isChecked())
+            MsgBox(kLimitNotice, Msg::Information, QStringLiteral("Confirmation"));
+        readControls();
+        const AppSettings &s = gSettings;
+        const QString ini = IniPath();
+        WriteIniValue(ini, kPrint, QStringLiteral("BaseFontSize=") + QString::number(s.BaseFontSize));
+        WriteIniValue(ini, kPrint, QStringLiteral("NewPage=") + switchText(s.NewPage));
+        WriteIniValue(ini, kPrint, QStringLiteral("BlankLines=") + switchText(s.BlankLines));
+        WriteIniValue(ini, kPrint, QStringLiteral("PageNumbers=") + switchText(s.PageNumbers));
+        WriteIniValue(ini, kFiles, QStringLiteral("Transfer=") + s.Transfer);
+        WriteIniValue(ini, kFiles, QStringLiteral("Preview=") + s.Preview);
+        WriteIniValue(ini, kFiles, QStringLiteral("Database=") + s.Database);
+        WriteIniValue(ini, kMisc, QStringLiteral("RecipeView=") + switchText(s.RecipeView));
+        WriteIniValue(ini, kMisc, QStringLiteral("Seek=") + switchText(s.Seek));
+        WriteIniValue(ini, kMisc, QStringLiteral("SeekAmount=") + switchText(s.SeekAmount));
+        WriteIniValue(ini, kMisc, QStringLiteral("StandardAdd=") + switchText(s.StandardAdd));
+        WriteIniValue(ini, kMisc, QStringLiteral("OnlyNewRecipes=") + switchText(s.OnlyNewRecipes));
+        accept();
+    });
+}
+
+void frmSettings::cmdReset_Click()
+{
+    cboFontSize->setCurrentText(QStringLiteral("9"));
+    chkNewPage->setChecked(true);
+    chkSpaceBetween->setChecked(true);
+    chkPageNumbers->setChecked(false);
+    txtFilename->setText(shippedPath("recipes.rtf"));
+    txtTransfer->setText(shippedPath("transfer.txt"));
+    txtDatabase->setText(shippedPath("pantrio.mdb"));
+    optSearch[0]->setChecked(true);
+    chkSeek->setChecked(true);
+    chkSeekAmount->setChecked(false);
+    chkLimit->setChecked(false);
+    optAdd[1]->setChecked(true);
+}
+
+void frmSettings::cmdCancel_Click()
+{
+    reject();
+}
+
+void LoadSettings()
+{
+    frmSettings dialog;
+}
+
+void ShowSettings(int tab)
+{
+    static QPointer<frmSettings> open;
+    if (!open) {
+        open = new frmSettings;
+        open->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    open->SetTab(tab);
+    open->show();
+    open->raise();
+    open->activateWindow();
+}

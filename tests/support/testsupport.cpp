@@ -1,0 +1,199 @@
+#include "testsupport.h"
+
+#include "core/database.h"
+#include "core/datasources.h"
+#include "core/schema.h"
+#include "core/frmstatus.h"
+
+#include <QDir>
+#include <QLabel>
+#include <QWidget>
+
+#include <QDialog>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+ScriptedResponder::ScriptedResponder()
+{
+    SetResponder(this);
+}
+
+ScriptedResponder::~ScriptedResponder()
+{
+    SetResponder(nullptr);
+}
+
+MsgResult ScriptedResponder::messageBox(const QString &prompt, MsgStyle style, const QString &title)
+{
+    boxes.append({prompt, title, style});
+    if (style.buttons == MsgButtons::Ok) {
+        if (!m_answers.isEmpty() && m_answers.head() == MsgResult::Ok)
+            m_answers.dequeue();
+        return MsgResult::Ok;
+    }
+    if (m_answers.isEmpty()) {
+        failures.append(QStringLiteral("unscripted question: ") + prompt);
+        return MsgResult::No;
+    }
+    return m_answers.dequeue();
+}
+
+QString ScriptedResponder::inputBox(const QString &prompt, const QString &title,
+                                    const QString &defaultText)
+{
+    Q_UNUSED(title);
+    inputPrompts.append(prompt);
+    inputDefaults.append(defaultText);
+    if (m_inputs.isEmpty()) {
+        failures.append(QStringLiteral("unscripted input box: ") + prompt);
+        return {};
+    }
+    return m_inputs.dequeue();
+}
+
+void ScriptedResponder::showModal(QDialog *dialog)
+{
+    if (m_modals.isEmpty()) {
+        failures.append(QStringLiteral("unscripted modal dialog: ") + dialog->objectName());
+        dialog->hide();
+        return;
+    }
+    dialog->show();
+    m_modals.dequeue()(dialog);
+    if (dialog->isVisible()) {
+        failures.append(QStringLiteral("modal dialog left open: ") + dialog->objectName());
+        dialog->hide();
+    }
+}
+
+QStringList ScriptedResponder::prompts() const
+{
+    QStringList list;
+    for (const RecordedBox &box : boxes)
+        list.append(box.prompt);
+    return list;
+}
+
+bool ScriptedResponder::clean() const
+{
+    return failures.isEmpty() && m_answers.isEmpty() && m_inputs.isEmpty() && m_modals.isEmpty();
+}
+
+QString ScriptedResponder::report() const
+{
+    QStringList lines = failures;
+    if (!m_answers.isEmpty())
+        lines.append(QStringLiteral("%1 scripted answers unused").arg(m_answers.size()));
+    if (!m_inputs.isEmpty())
+        lines.append(QStringLiteral("%1 scripted inputs unused").arg(m_inputs.size()));
+    if (!m_modals.isEmpty())
+        lines.append(QStringLiteral("%1 modal handlers unused").arg(m_modals.size()));
+    lines.append(QStringLiteral("boxes: ") + prompts().join(QStringLiteral(" | ")));
+    return lines.join(u'\n');
+}
+
+void ScriptedResponder::clear()
+{
+    boxes.clear();
+    inputPrompts.clear();
+    inputDefaults.clear();
+    failures.clear();
+    m_answers.clear();
+    m_inputs.clear();
+    m_modals.clear();
+    m_waited = 0;
+}
+
+TestHome::TestHome(bool withShippedIni)
+    : m_previousDir(QDir::currentPath())
+{
+    // Settings writes compose "copytest.ini" in the current directory: one per test run.
+    QDir::setCurrent(m_dir.path());
+    qputenv("MIREPAN_HOME", m_dir.path().toUtf8());
+    qputenv("MIREPAN_DATASOURCES", path(QStringLiteral("datasources.ini")).toUtf8());
+    if (withShippedIni)
+        QFile::copy(ShippedIniPath(), iniPath());
+    QFile::setPermissions(iniPath(), QFile::ReadOwner | QFile::WriteOwner);
+}
+
+TestHome::~TestHome()
+{
+    CloseDatabase();
+    QDir::setCurrent(m_previousDir);
+    qunsetenv("MIREPAN_HOME");
+    qunsetenv("MIREPAN_DATASOURCES");
+}
+
+void TestHome::registerDatabase(const QString &file)
+{
+    DataSource source;
+    source.name = kDataSourceName;
+    source.database = file;
+    RegisterDataSource(source);
+}
+
+void TestHome::createAndOpenDatabase()
+{
+    QString error;
+    if (!CreateDatabaseFromSchema(databasePath(), &error))
+        qFatal("cannot create the test database: %s", qPrintable(error));
+    registerDatabase(databasePath());
+    if (!OpenDatabase())
+        qFatal("cannot open the test database");
+}
+
+void FakeShell::startProgram(const QString &program, const QStringList &arguments)
+{
+    started.append(program + u' ' + arguments.join(u' '));
+    if (!regVesk.isEmpty() && program.endsWith(QStringLiteral("reg_vesk")))
+        QProcess::execute(regVesk, arguments);
+}
+
+bool FakeShell::openDocument(const QString &path)
+{
+    opened.append(path);
+    return QFile::exists(path);
+}
+
+QString ShippedIniPath()
+{
+    return QStringLiteral(MIREPAN_SOURCE_DIR "/data/pantrio.ini");
+}
+
+QString RegVeskPath()
+{
+    return QStringLiteral(MIREPAN_REG_VESK);
+}
+
+QString ReadFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.readAll());
+}
+
+void WriteFile(const QString &path, const QByteArray &data)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        qFatal("cannot write %s", qPrintable(path));
+    file.write(data);
+}
+
+void ScriptedResponder::wait(double seconds)
+{
+    m_waited += seconds;
+    if (frmStatus *status = StatusWindow())
+        statusAtWait.append(status->lblMessage->text());
+}
+
+void SaveScreenshot(QWidget *widget, const QString &name)
+{
+    const QString dir = qEnvironmentVariable("MIREPAN_SCREENSHOTS");
+    if (dir.isEmpty())
+        return;
+    QDir().mkpath(dir);
+    widget->grab().save(QDir(dir).filePath(name + QStringLiteral(".png")));
+}

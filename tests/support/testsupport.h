@@ -1,0 +1,102 @@
+#pragma once
+// What the tests share: a scripted answerer for message boxes, a throw-away program directory
+// with its own settings file and database, and a fake shell.
+
+#include "core/msgbox.h"
+#include "core/shell.h"
+
+#include <QList>
+#include <QQueue>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <functional>
+
+struct RecordedBox {
+    QString prompt;
+    QString title;
+    MsgStyle style;
+};
+
+// Records every box and answers from a script. Yes/No questions need a scripted answer; an
+// unscripted question is a failure (answered No so nothing is changed). OK boxes need none.
+class ScriptedResponder : public Responder
+{
+public:
+    ScriptedResponder();
+    ~ScriptedResponder() override;
+
+    void answer(MsgResult result) { m_answers.enqueue(result); }
+    void answerInput(const QString &text) { m_inputs.enqueue(text); }
+    // What to do with the next modal dialog (fill it, press its buttons); it must hide it.
+    void onModal(std::function<void(QDialog *)> handler) { m_modals.enqueue(std::move(handler)); }
+
+    MsgResult messageBox(const QString &prompt, MsgStyle style, const QString &title) override;
+    QString inputBox(const QString &prompt, const QString &title, const QString &defaultText) override;
+    void showModal(QDialog *dialog) override;
+    void wait(double seconds) override;
+
+    QList<RecordedBox> boxes;
+    QStringList inputPrompts;
+    QStringList inputDefaults;
+    QStringList failures;
+    // The status window's message at each wait.
+    QStringList statusAtWait;
+    double waited() const { return m_waited; }
+    // Prompts of all boxes shown, in order.
+    QStringList prompts() const;
+    // True when every scripted answer was used and nothing unexpected happened.
+    bool clean() const;
+    QString report() const;
+    void clear();
+
+private:
+    QQueue<MsgResult> m_answers;
+    QQueue<QString> m_inputs;
+    QQueue<std::function<void(QDialog *)>> m_modals;
+    double m_waited = 0;
+};
+
+// A fresh program directory: $MIREPAN_HOME and $MIREPAN_DATASOURCES point into a temporary
+// directory for the lifetime of the object.
+class TestHome
+{
+public:
+    explicit TestHome(bool withShippedIni = true);
+    ~TestHome();
+
+    QString dir() const { return m_dir.path(); }
+    QString path(const QString &name) const { return m_dir.filePath(name); }
+    QString iniPath() const { return path(QStringLiteral("pantrio.ini")); }
+    QString databasePath() const { return path(QStringLiteral("PANTRIO.MDB")); }
+    // Creates PANTRIO.MDB from the shipped schema, registers it and opens the session.
+    void createAndOpenDatabase();
+    void registerDatabase(const QString &file);
+
+private:
+    QTemporaryDir m_dir;
+    QString m_previousDir;
+};
+
+// Records what would be started or opened; optionally runs the started program at once.
+class FakeShell : public ShellHook
+{
+public:
+    FakeShell() { SetShellHook(this); }
+    ~FakeShell() override { SetShellHook(nullptr); }
+    void startProgram(const QString &program, const QStringList &arguments) override;
+    bool openDocument(const QString &path) override;
+
+    QStringList started;
+    QStringList opened;
+    // When set, programs named reg_vesk run synchronously from this path.
+    QString regVesk;
+};
+
+QString ShippedIniPath();
+QString RegVeskPath();
+QString ReadFile(const QString &path);
+void WriteFile(const QString &path, const QByteArray &data);
+
+// Saves a picture of the widget under $MIREPAN_SCREENSHOTS (when set) for a look by eye.
+void SaveScreenshot(QWidget *widget, const QString &name);

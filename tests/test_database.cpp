@@ -1,0 +1,166 @@
+// The database session: statement preparation, the dialect, failures and identifiers.
+
+#include "core/database.h"
+#include "core/modini.h"
+#include "core/sqldialect.h"
+#include "support/testsupport.h"
+
+#include <QFile>
+#include <QTest>
+
+class TestDatabase : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestHome> m_home;
+    std::unique_ptr<ScriptedResponder> m_boxes;
+
+    int count(const QString &sql)
+    {
+        const Recordset rs = ExecuteSQL(sql);
+        return rs && !rs.eof() ? rs.value(0).toInt() : -1;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TestHome>();
+        m_boxes = std::make_unique<ScriptedResponder>();
+    }
+    void cleanup()
+    {
+        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
+        m_boxes.reset();
+        m_home.reset();
+    }
+
+    void prepareSql_data()
+    {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QString>("prepared");
+        QTest::newRow("apostrophe in a title") << "INSERT INTO RECIPE VALUES (1, '4', 'F', 'Pies', 'Mom's pie', '00:00', '00:00', '', '')"
+                                               << "INSERT INTO RECIPE VALUES (1, '4', 'F', 'Pies', 'Mom''s pie', '00:00', '00:00', '', '')";
+        QTest::newRow("value ending in an apostrophe") << "INSERT INTO DIRECTIONS VALUES (1, 1, 'the cooks'')"
+                                                       << "INSERT INTO DIRECTIONS VALUES (1, 1, 'the cooks''')";
+        QTest::newRow("separator inside a value is taken as a delimiter") << "INSERT INTO X VALUES (1, 'it', s')"
+                                                                          << "INSERT INTO X VALUES (1, 'it', s')";
+        QTest::newRow("cabinet") << "INSERT INTO CABINET VALUES ('baker's yeast', 'F', 0)"
+                                 << "INSERT INTO CABINET VALUES ('baker''s yeast', 'F', 0)";
+        QTest::newRow("two in a value") << "INSERT INTO X VALUES (1, 'it's Jo's')"
+                                        << "INSERT INTO X VALUES (1, 'it''s Jo''s')";
+        QTest::newRow("trimmed") << "   INSERT INTO X VALUES (1, 'a')   " << "INSERT INTO X VALUES (1, 'a')";
+        QTest::newRow("case matters") << "insert into X VALUES (1, 'Mom's')" << "insert into X VALUES (1, 'Mom's')";
+        QTest::newRow("update untouched") << "UPDATE RECIPE SET rating = 'Mom's'" << "UPDATE RECIPE SET rating = 'Mom's'";
+    }
+    void prepareSql()
+    {
+        QFETCH(QString, sql);
+        QFETCH(QString, prepared);
+        QString text = sql;
+        QCOMPARE(PrepareSQL(text), prepared);
+        QCOMPARE(text, sql.trimmed()); // the caller's text is trimmed, not escaped
+    }
+
+    void dialectOutsideLiteralsOnly()
+    {
+        QCOMPARE(TranslateJetSql("DELETE * FROM RECIPE WHERE ID = 3"), QStringLiteral("DELETE FROM RECIPE WHERE ID = 3"));
+        QCOMPARE(TranslateJetSql("SELECT item FROM CABINET WHERE ('%' & item & '%' LIKE '%a&b%')"),
+                 QStringLiteral("SELECT item FROM CABINET WHERE ('%' || item || '%' LIKE '%a&b%')"));
+        QCOMPARE(TranslateJetSql("SELECT * FROM RECIPE WHERE UCASE(title) = 'UCASE(x) DELETE * FROM y'"),
+                 QStringLiteral("SELECT * FROM RECIPE WHERE UPPER(title) = 'UCASE(x) DELETE * FROM y'"));
+        QCOMPARE(TranslateJetSql("SELECT 'it''s & more' & x"), QStringLiteral("SELECT 'it''s & more' || x"));
+    }
+
+    void executesTheOriginalDialectOnARealFile()
+    {
+        m_home->createAndOpenDatabase();
+        QVERIFY(!gNotConnected);
+        gSQL = QStringLiteral("  INSERT INTO RECIPE VALUES (1, '4', 'F', 'Pies', 'Mom's apple pie', '00:30', '01:00', '', '')  ");
+        QVERIFY(!ExecuteSQL(gSQL));
+        QCOMPARE(gSQL.left(6), QStringLiteral("INSERT")); // trimmed in place
+        ExecuteSQL("INSERT INTO RECIPE VALUES (2, '2', 'D', 'Cocktails', 'Sour', '00:00', '00:00', '', '*')");
+        ExecuteSQL("INSERT INTO INGREDIENTS VALUES (1, 1, '1 1/2', 'cup', 'Onions, chopped', 'onion')");
+        ExecuteSQL("INSERT INTO CABINET VALUES ('Onion', 'F', 0)");
+
+        Recordset rs = ExecuteSQL("SELECT * FROM RECIPE WHERE ID = 1");
+        QVERIFY(rs && !rs.eof());
+        QCOMPARE(rs.text("TITLE"), QStringLiteral("Mom's apple pie")); // names without regard to case
+        QCOMPARE(rs.text("notes"), QString());
+        rs.MoveNext();
+        QVERIFY(rs.eof());
+
+        QCOMPARE(count("SELECT count(*) FROM RECIPE A WHERE TRUE AND UCASE(A.title) LIKE '%APPLE%'"), 1);
+        QCOMPARE(count("SELECT count(*) FROM RECIPE WHERE title = 'MOM''S APPLE PIE'"), 1); // NOCASE
+        QCOMPARE(count("SELECT count(*) FROM CABINET WHERE ('%' & item & '%' LIKE '%onion%')"), 1);
+        QCOMPARE(count("SELECT count(*) FROM CABINET C WHERE C.available = FALSE"), 1);
+        ExecuteSQL("DELETE * FROM RECIPE WHERE ID = 2");
+        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 1);
+        // The lines of a recipe go with it.
+        ExecuteSQL("DELETE * FROM RECIPE WHERE ID = 1");
+        QCOMPARE(count("SELECT count(*) FROM INGREDIENTS"), 0);
+        QVERIFY(m_boxes->boxes.isEmpty());
+    }
+
+    void commandTextErrorsAreSilentOthersAreReported()
+    {
+        m_home->createAndOpenDatabase();
+        QVERIFY(!ExecuteSQL("SELEC nonsense FROM"));
+        QVERIFY(!ExecuteSQL("SELECT nosuchcolumn FROM RECIPE"));
+        QVERIFY(!ExecuteSQL("UPDATE RECIPE SET rating = 'Mom's'"));
+        QVERIFY(m_boxes->boxes.isEmpty());
+
+        ExecuteSQL("INSERT INTO CABINET VALUES ('salt', 'F', 0)");
+        QVERIFY(!ExecuteSQL("INSERT INTO CABINET VALUES ('Salt', 'F', 0)"));
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
+        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("UNIQUE")));
+        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral(": ")));
+
+        QVERIFY(!ExecuteSQL(QStringLiteral("INSERT INTO MENU VALUES (1, '', '") + QString(256, u'k') + QStringLiteral("', 'deep')")));
+        QCOMPARE(m_boxes->boxes.size(), 2);
+    }
+
+    void nextIdAndTheFirstStartRecord()
+    {
+        m_home->createAndOpenDatabase();
+        QCOMPARE(NextId("RECIPE"), 1);
+        gMaxRecipeID = 5;
+        RecordMaxRecipeID(); // empty table: nothing recorded
+        QCOMPARE(gMaxRecipeID, qint16(0));
+        QCOMPARE(GetIniValue(m_home->iniPath(), "Misc", "MaxRecipeID"), QStringLiteral("0")); // as shipped
+
+        ExecuteSQL("INSERT INTO RECIPE VALUES (7, '', 'F', '', 'a', '00:00', '00:00', '', '')");
+        ExecuteSQL("INSERT INTO RECIPE VALUES (41, '', 'F', '', 'b', '00:00', '00:00', '', '')");
+        QCOMPARE(NextId("RECIPE"), 42);
+        RecordMaxRecipeID();
+        QCOMPARE(gMaxRecipeID, qint16(41));
+        QCOMPARE(GetIniValue(m_home->iniPath(), "Misc", "MaxRecipeID"), QStringLiteral("41"));
+        ExecuteSQL("INSERT INTO RECIPE VALUES (50, '', 'F', '', 'c', '00:00', '00:00', '', '')");
+        RecordMaxRecipeID(); // recorded once only
+        QCOMPARE(gMaxRecipeID, qint16(41));
+    }
+
+    void failedOpens()
+    {
+        // Not registered.
+        QVERIFY(!OpenDatabase());
+        QVERIFY(gNotConnected);
+        // Registered, but the directory is missing.
+        m_home->registerDatabase(m_home->path("gone/PANTRIO.MDB"));
+        QVERIFY(!OpenDatabase());
+        QVERIFY(!QFile::exists(m_home->path("gone")));
+        // An old file of another program, and garbage.
+        WriteFile(m_home->databasePath(), QByteArray("Standard Jet DB\0\0\0garbage", 26) + QByteArray(4000, 'x'));
+        m_home->registerDatabase(m_home->databasePath());
+        QVERIFY(!OpenDatabase());
+        QVERIFY(gNotConnected);
+        QCOMPARE(QFile(m_home->databasePath()).size(), qint64(4026)); // left as it was
+        QVERIFY(ReportNotConnected());
+        QCOMPARE(m_boxes->boxes.last().prompt,
+                 QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
+    }
+};
+
+QTEST_MAIN(TestDatabase)
+#include "test_database.moc"

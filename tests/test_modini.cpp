@@ -1,0 +1,176 @@
+// The settings file: reading and the placement rules of writing.
+
+#include "core/modini.h"
+#include "core/platform.h"
+#include "support/testsupport.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+class TestModIni : public QObject
+{
+    Q_OBJECT
+
+    QString m_ini;
+    std::unique_ptr<TestHome> m_home;
+
+    void write(const char *text) { WriteFile(m_ini, text); }
+    QString contents() const { return ReadFile(m_ini); }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TestHome>(false);
+        m_ini = m_home->iniPath();
+    }
+    void cleanup() { m_home.reset(); }
+
+    void readsValuesByExactSectionAndKey()
+    {
+        write("[Files]\nDatabase=C:\\db\\pantrio.mdb\n\n[Misc]\n\nSeek=True\nseekamount=False\nEmpty=\n=odd\nnoequals\n");
+        QCOMPARE(GetIniValue(m_ini, "Files", "Database"), QStringLiteral("C:\\db\\pantrio.mdb"));
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("True")); // after an empty line
+        QCOMPARE(GetIniValue(m_ini, "Misc", "SeekAmount"), QString());        // case differs
+        QCOMPARE(GetIniValue(m_ini, "misc", "Seek"), QString());
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Empty"), QString());
+        QCOMPARE(GetIniValue(m_ini, "Misc", ""), QString()); // "=odd" is never a key
+        QCOMPARE(GetIniValue(m_ini, "Misc", "noequals"), QString());
+        QCOMPARE(GetIniValue(m_ini, "Files", "Seek"), QString()); // the key is in another section
+        QCOMPARE(GetIniValue(m_ini, "Absent", "Seek"), QString());
+        QCOMPARE(GetIniValue(m_home->path("missing.ini"), "Misc", "Seek"), QString());
+    }
+
+    void valueKeepsEverythingAfterTheFirstEquals()
+    {
+        write("[A]\nkey = spaced = value \n");
+        QCOMPARE(GetIniValue(m_ini, "A", "key "), QStringLiteral(" spaced = value "));
+        QCOMPARE(GetIniValue(m_ini, "A", "key"), QString());
+    }
+
+    void windowsLineEndsReadTheSame()
+    {
+        write("[Misc]\r\nSeek=True\r\n\r\n[Rating]\r\n00=\r\n01=*\r\n");
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("True"));
+        QCOMPARE(GetIniSection(m_ini, "Rating"), (QStringList{"00=", "01=*"}));
+        WriteIniValue(m_ini, "Misc", "Seek=False");
+        QCOMPARE(contents(), QStringLiteral("[Misc]\r\nSeek=False\r\n\r\n[Rating]\r\n00=\r\n01=*\r\n"));
+    }
+
+    void sectionsAndLists()
+    {
+        write("[Category_Food]\n00=\n\n01=Breads\n02=Soups\n[Empty]\n[Next]\nx=1\n");
+        QCOMPARE(GetIniSection(m_ini, "Category_Food"), (QStringList{"00=", "01=Breads", "02=Soups"}));
+        QCOMPARE(GetIniSection(m_ini, "Empty"), QStringList{QString()});
+        QCOMPARE(GetIniSection(m_ini, "Absent"), QStringList{QString()});
+        QComboBox combo;
+        qputenv("MIREPAN_HOME", m_home->dir().toUtf8());
+        LoadIniList(&combo, "Category_Food");
+        QCOMPARE(combo.count(), 3);
+        QCOMPARE(combo.itemText(0), QString());
+        QCOMPARE(combo.itemText(2), QStringLiteral("Soups"));
+        combo.clear();
+        LoadIniList(&combo, "Absent");
+        QCOMPARE(combo.count(), 1); // a missing section adds one empty entry
+        QCOMPARE(IniLineValue("05=Main=Dishes"), QStringLiteral("Main=Dishes"));
+        QCOMPARE(IniLineValue("noequals"), QStringLiteral("noequals"));
+    }
+
+    void garbageAndBinaryLinesAreHarmless()
+    {
+        QByteArray data("[Misc]\n\x01\x02\xff\xfe garbage\n[broken\nSeek=True\n");
+        data += QByteArray(300, '\0');
+        WriteFile(m_ini, data);
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QString()); // "[broken" opens a section
+        QCOMPARE(GetIniValue(m_ini, "broken", "Seek"), QStringLiteral("True"));
+        WriteIniValue(m_ini, "Misc", "Seek=False");
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QString()); // landed under "[broken"
+        QCOMPARE(GetIniValue(m_ini, "broken", "Seek"), QStringLiteral("False"));
+    }
+
+    void replacingAKeyKeepsEveryOtherLine()
+    {
+        write("[Misc]\nSeek=True\n\nStandardAdd=False\n\n[Files]\nPreview=x\n");
+        WriteIniValue(m_ini, "Misc", "StandardAdd=True");
+        QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=True\n\nStandardAdd=True\n\n[Files]\nPreview=x\n"));
+    }
+
+    void newKeyLandsUnderTheNextSectionsHeader()
+    {
+        write("[Misc]\nSeek=True\n[Files]\nPreview=x\n");
+        WriteIniValue(m_ini, "Misc", "MaxRecipeID=12");
+        QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=True\n[Files]\nMaxRecipeID=12\nPreview=x\n"));
+        QCOMPARE(GetIniValue(m_ini, "Misc", "MaxRecipeID"), QString());
+        QCOMPARE(GetIniValue(m_ini, "Files", "MaxRecipeID"), QStringLiteral("12"));
+    }
+
+    void newKeyInTheLastSectionEndsIt()
+    {
+        write("[Files]\nPreview=x\n[Misc]\nSeek=True\n");
+        WriteIniValue(m_ini, "Misc", "MaxRecipeID=12");
+        QCOMPARE(contents(), QStringLiteral("[Files]\nPreview=x\n[Misc]\nSeek=True\nMaxRecipeID=12\n"));
+    }
+
+    void absentSectionIsAppended()
+    {
+        write("[Files]\nPreview=x\n");
+        WriteIniValue(m_ini, "FIRSTRUN", "CONDB=YES");
+        QCOMPARE(contents(), QStringLiteral("[Files]\nPreview=x\n\n[FIRSTRUN]\nCONDB=YES\n"));
+        QCOMPARE(GetIniValue(m_ini, "FIRSTRUN", "CONDB"), QStringLiteral("YES"));
+    }
+
+    void missingFileIsCreatedWithoutLeadingEmptyLine()
+    {
+        const QString path = m_home->path("sub/new.ini");
+        WriteIniValue(path, "FIRSTRUN", "CONDB=YES");
+        QCOMPARE(ReadFile(path), QStringLiteral("[FIRSTRUN]\nCONDB=YES\n"));
+        QVERIFY(!QFile::exists(QDir::current().filePath("copytest.ini")));
+    }
+
+    void orderedInsertionKeepsListsSorted()
+    {
+        write("[Rating]\n00=\n02=**\n04=****\n\n[Amount_Food]\n00=---\n");
+        WriteIniValue(m_ini, "Rating", "03=***", true);
+        WriteIniValue(m_ini, "Rating", "05=*****", true);
+        WriteIniValue(m_ini, "Rating", "02=two", true); // the same order replaces its entry
+        QCOMPARE(contents(), QStringLiteral("[Rating]\n00=\n02=two\n03=***\n04=****\n\n05=*****\n[Amount_Food]\n00=---\n"));
+        QCOMPARE(GetIniSection(m_ini, "Rating").last(), QStringLiteral("05=*****"));
+        // Orders sort as text: 10 before 9.
+        WriteIniValue(m_ini, "Amount_Food", "9=nine", true);
+        WriteIniValue(m_ini, "Amount_Food", "10=ten", true);
+        QCOMPARE(GetIniSection(m_ini, "Amount_Food"), (QStringList{"00=---", "10=ten", "9=nine"}));
+    }
+
+    void deletingAKey()
+    {
+        write("[Rating]\n00=\n01=*\n02=**\n[Other]\n01=keep\n");
+        DeleteIniKey(m_ini, "Rating", "01");
+        DeleteIniKey(m_ini, "Rating", "99");
+        QCOMPARE(contents(), QStringLiteral("[Rating]\n00=\n02=**\n[Other]\n01=keep\n"));
+    }
+
+    void unwritableDirectoryKeepsTheFile()
+    {
+        write("[Misc]\nSeek=True\n");
+        const QString dir = m_home->dir();
+        QFile::setPermissions(dir, QFile::ReadOwner | QFile::ExeOwner);
+        QFile::setPermissions(m_ini, QFile::ReadOwner);
+        bool raised = false;
+        try {
+            WriteIniValue(m_ini, "Misc", "Seek=False");
+        } catch (const PlatformError &) {
+            raised = true;
+        }
+        QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QFile::setPermissions(m_ini, QFile::ReadOwner | QFile::WriteOwner);
+        // As root the permissions do not bite; either way the settings survive intact.
+        if (raised)
+            QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=True\n"));
+        else
+            QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=False\n"));
+    }
+};
+
+QTEST_MAIN(TestModIni)
+#include "test_modini.moc"

@@ -1,0 +1,151 @@
+// The settings dialog: loading into memory, saving, resetting and cancelling.
+
+#include "core/appstate.h"
+#include "core/modini.h"
+#include "settings/frmsettings.h"
+#include "support/testsupport.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QFrame>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabBar>
+#include <QTest>
+
+class TestSettings : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestHome> m_home;
+    std::unique_ptr<ScriptedResponder> m_boxes;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TestHome>();
+        m_boxes = std::make_unique<ScriptedResponder>();
+    }
+    void cleanup()
+    {
+        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
+        m_boxes.reset();
+        m_home.reset();
+    }
+
+    void loadingFillsControlsAndMemory()
+    {
+        WriteFile(m_home->iniPath(),
+                  "[Files]\nTransfer=/x/t.txt\nPreview=/x/p.pdf\nDatabase=/x/pantrio.mdb\n"
+                  "[Print_Settings]\nBaseFontSize=12\nNewPage=False\nBlankLines=True\nPageNumbers=True\n"
+                  "[Misc]\nRecipeView=False\nSeek=\nSeekAmount=True\nStandardAdd=True\nOnlyNewRecipes=garbage\n");
+        frmSettings dialog;
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Settings"));
+        QCOMPARE(dialog.cboFontSize->currentText(), QStringLiteral("12"));
+        QVERIFY(!dialog.chkNewPage->isChecked());
+        QVERIFY(dialog.chkPageNumbers->isChecked());
+        QCOMPARE(dialog.txtFilename->text(), QStringLiteral("/x/p.pdf"));
+        QVERIFY(dialog.optSearch[1]->isChecked()); // Edit/Copy
+        QCOMPARE(dialog.optSearch[1]->text(), QStringLiteral("Edit/Copy the selected recipe"));
+        QVERIFY(!dialog.chkSeek->isChecked()); // an empty switch is off
+        QVERIFY(dialog.optAdd[0]->isChecked());
+        QCOMPARE(dialog.optAdd[0]->text(), QStringLiteral("Standard Form - all data viewed at once on one screen"));
+        QVERIFY(!dialog.chkLimit->isChecked());
+
+        const AppSettings &s = gSettings;
+        QCOMPARE(s.BaseFontSize, 12);
+        QVERIFY(!s.NewPage && s.BlankLines && s.PageNumbers);
+        QCOMPARE(s.Transfer, QStringLiteral("/x/t.txt"));
+        QVERIFY(!s.RecipeView && !s.Seek && s.SeekAmount && s.StandardAdd && !s.OnlyNewRecipes);
+    }
+
+    void missingFileNamesMeanTheShippedDefaults()
+    {
+        LoadSettings();
+        QCOMPARE(gSettings.Preview, m_home->path("recipes.rtf"));
+        QCOMPARE(gSettings.Database, m_home->path("pantrio.mdb"));
+        QCOMPARE(gSettings.BaseFontSize, 9);
+        QVERIFY(gSettings.RecipeView && gSettings.Seek && !gSettings.StandardAdd);
+    }
+
+    void savingWritesTwelveKeysInOrder()
+    {
+        QFile::remove(m_home->iniPath());
+        frmSettings dialog;
+        dialog.cmdReset_Click();
+        dialog.cboFontSize->setCurrentText(QStringLiteral("11"));
+        dialog.chkLimit->setChecked(true);
+        dialog.txtTransfer->setText(QStringLiteral("C:\\Recipes\\transfer.txt"));
+        dialog.show();
+        QTest::mouseClick(dialog.cmdClose, Qt::LeftButton);
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QVERIFY(m_boxes->boxes[0].prompt.startsWith(QStringLiteral("You have checked the limit recipe search checkbox.\n\n")));
+        QVERIFY(m_boxes->boxes[0].prompt.endsWith(QStringLiteral("the search window will return no recipes!")));
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Confirmation"));
+        QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Information);
+        QVERIFY(!dialog.isVisible());
+        const QString dir = m_home->dir();
+        QCOMPARE(ReadFile(m_home->iniPath()),
+                 QStringLiteral("[Print_Settings]\nBaseFontSize=11\nNewPage=True\nBlankLines=True\nPageNumbers=False\n\n"
+                                "[Files]\nTransfer=C:\\Recipes\\transfer.txt\nPreview=%1/recipes.rtf\nDatabase=%1/pantrio.mdb\n\n"
+                                "[Misc]\nRecipeView=True\nSeek=True\nSeekAmount=False\nStandardAdd=False\nOnlyNewRecipes=True\n")
+                     .arg(dir));
+        QVERIFY(gSettings.OnlyNewRecipes);
+        QCOMPARE(gSettings.BaseFontSize, 11);
+
+        // Saving again with the limit still on tells again; nothing else changes.
+        frmSettings again;
+        again.cmdClose_Click();
+        QCOMPARE(m_boxes->boxes.size(), 2);
+    }
+
+    void savingAddsAbsentKeysWithThePlacementRule()
+    {
+        WriteFile(m_home->iniPath(), "[Misc]\nSeek=True\n[Rating]\n00=\n");
+        frmSettings dialog;
+        dialog.cmdClose_Click();
+        // The new Misc keys land under the next section's header, as every writer does.
+        QCOMPARE(GetIniSection(m_home->iniPath(), "Misc"), QStringList{QStringLiteral("Seek=True")});
+        QCOMPARE(GetIniValue(m_home->iniPath(), "Rating", "StandardAdd"), QStringLiteral("False"));
+    }
+
+    void resetThenCancelLeavesTheFileUnchanged()
+    {
+        const QString before = ReadFile(m_home->iniPath());
+        frmSettings dialog;
+        dialog.chkSeek->setChecked(false);
+        dialog.chkPageNumbers->setChecked(true);
+        dialog.cmdReset_Click();
+        QVERIFY(dialog.chkSeek->isChecked());
+        QVERIFY(!dialog.chkPageNumbers->isChecked());
+        QVERIFY(dialog.optAdd[1]->isChecked());
+        QVERIFY(dialog.optSearch[0]->isChecked());
+        QCOMPARE(dialog.cboFontSize->currentText(), QStringLiteral("9"));
+        QCOMPARE(dialog.txtDatabase->text(), m_home->path("pantrio.mdb"));
+        dialog.cmdCancel_Click();
+        QCOMPARE(ReadFile(m_home->iniPath()), before);
+    }
+
+    void tabsShowOneFrame()
+    {
+        frmSettings dialog;
+        dialog.resize(560, 380);
+        dialog.show();
+        QVERIFY(dialog.fraPrint->isVisible());
+        QVERIFY(!dialog.fraFile->isVisible());
+        SaveScreenshot(&dialog, QStringLiteral("frmSettings-print"));
+        dialog.SetTab(3);
+        QVERIFY(dialog.fraAction->isVisible());
+        QVERIFY(!dialog.fraPrint->isVisible());
+        SaveScreenshot(&dialog, QStringLiteral("frmSettings-actions"));
+        dialog.tsSettings->setCurrentIndex(1);
+        QVERIFY(dialog.fraFile->isVisible());
+        QVERIFY(!dialog.fraAction->isVisible());
+        SaveScreenshot(&dialog, QStringLiteral("frmSettings-files"));
+    }
+};
+
+QTEST_MAIN(TestSettings)
+#include "test_settings.moc"

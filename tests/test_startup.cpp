@@ -1,0 +1,177 @@
+// Start-up: the first-run road, the main window and its exit guard.
+
+#include "core/appstate.h"
+#include "core/database.h"
+#include "core/frmmain.h"
+#include "core/modini.h"
+#include "core/startup.h"
+#include "core/windowhooks.h"
+#include "settings/frmsettings.h"
+#include "support/testsupport.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QFile>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTest>
+
+class TestStartup : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestHome> m_home;
+    std::unique_ptr<ScriptedResponder> m_boxes;
+    std::unique_ptr<FakeShell> m_shell;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TestHome>();
+        m_boxes = std::make_unique<ScriptedResponder>();
+        m_shell = std::make_unique<FakeShell>();
+        Hooks() = WindowHooks();
+        Hooks().loadSettings = [] { LoadSettings(); };
+        gSubWindows = 0;
+        gRecipeType = QStringLiteral("Food");
+    }
+    void cleanup()
+    {
+        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
+        m_shell.reset();
+        m_boxes.reset();
+        m_home.reset();
+    }
+
+    void firstRunSetsUpTheDataSourceAndConnects()
+    {
+        m_shell->regVesk = RegVeskPath();
+        ConnectAtStartup();
+        QCOMPARE(m_shell->started.size(), 1);
+        QVERIFY(m_shell->started[0].endsWith(QStringLiteral("reg_vesk /s")));
+        QCOMPARE(m_boxes->waited(), 8.0);
+        QCOMPARE(m_boxes->statusAtWait.size(), 8);
+        QCOMPARE(m_boxes->statusAtWait[0],
+                 QStringLiteral("Creating DSN for ") + m_home->dir() + QStringLiteral("/PANTRIO.MDB"));
+        QVERIFY(m_boxes->boxes.isEmpty()); // no reconnect message on the very first run
+        QCOMPARE(GetIniValue(m_home->iniPath(), "FIRSTRUN", "CONDB"), QStringLiteral("YES"));
+        QVERIFY(!gNotConnected);
+        QVERIFY(QFile::exists(m_home->databasePath()));
+
+        // The next start finds the data source at once.
+        CloseDatabase();
+        m_shell->started.clear();
+        ConnectAtStartup();
+        QVERIFY(m_shell->started.isEmpty());
+        QVERIFY(!gNotConnected);
+    }
+
+    void secondFailureLeavesTheProgramRunningUnconnected()
+    {
+        WriteIniValue(m_home->iniPath(), "FIRSTRUN", "CONDB=YES");
+        std::unique_ptr<frmMain> main = Startup(); // the set-up utility does nothing here
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList{QStringLiteral("Vesk is now going to attempt to reconnect to the database...")});
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Mirepan"));
+        QCOMPARE(m_boxes->boxes[0].style.buttons, MsgButtons::Ok);
+        QVERIFY(gNotConnected);
+        QVERIFY(main->isVisible());
+        QCOMPARE(gMaxRecipeID, qint16(0));
+        QVERIFY(ReportNotConnected());
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
+    }
+
+    void startupReadsTheSettingsAndRecordsTheHighestRecipe()
+    {
+        m_home->createAndOpenDatabase();
+        ExecuteSQL("INSERT INTO RECIPE VALUES (12, '', 'F', '', 'Bread', '00:00', '00:00', '', '')");
+        CloseDatabase();
+        WriteIniValue(m_home->iniPath(), "Misc", "StandardAdd=True");
+        gSettings.StandardAdd = false;
+        std::unique_ptr<frmMain> main = Startup();
+        QVERIFY(m_shell->started.isEmpty());
+        QVERIFY(gSettings.StandardAdd);
+        QCOMPARE(gMaxRecipeID, qint16(12));
+        QCOMPARE(GetIniValue(m_home->iniPath(), "Misc", "MaxRecipeID"), QStringLiteral("12"));
+        QCOMPARE(main->cboRecipeType->count(), 3);
+        QCOMPARE(main->cboRecipeType->currentText(), QStringLiteral("Food"));
+    }
+
+    void exitIsRefusedWhileWorkingWindowsAreOpen()
+    {
+        frmMain main;
+        main.show();
+        gSubWindows = 1;
+        QVERIFY(!main.cmdExit_Click());
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You cannot exit the Mirepan while Sub-Windows are open.")});
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
+        QVERIFY(main.isVisible());
+        gSubWindows = 0;
+        QVERIFY(main.cmdExit_Click());
+        QVERIFY(!main.isVisible());
+        QCOMPARE(m_boxes->boxes.size(), 1);
+    }
+
+    void mainWindowCommandsAndType()
+    {
+        int opened = 0;
+        Hooks().addRecipe = [&] { ++opened; };
+        frmMain main;
+        main.show();
+        QCOMPARE(main.windowTitle(), QStringLiteral("Mirepan"));
+        QCOMPARE(main.cmdAddRecipe->text(), QStringLiteral("&Add"));
+        QCOMPARE(main.cmdSearchRecipe->text(), QStringLiteral("&Search"));
+        QCOMPARE(main.cmdExit->text(), QStringLiteral("&Exit"));
+        QCOMPARE(main.mnuExit->text(), QStringLiteral("E&xit"));
+        QCOMPARE(main.mnuSettings->text(), QStringLiteral("Vesk &Settings"));
+        QCOMPARE(main.mnuDelDup->text(), QStringLiteral("&Clean"));
+        QStringList menus;
+        for (QAction *a : main.menuBar()->actions())
+            menus << a->text();
+        QCOMPARE(menus, (QStringList{"&File", "&Tools", "&Help"}));
+        // Commands whose windows are not registered are disabled.
+        QVERIFY(!main.cmdCabinet->isEnabled());
+        QVERIFY(!main.mnuImport->isEnabled());
+        QVERIFY(main.cmdAddRecipe->isEnabled());
+        main.mnuAdd->trigger();
+        QTest::mouseClick(main.cmdAddRecipe, Qt::LeftButton);
+        QCOMPARE(opened, 2);
+
+        main.cboRecipeType->setCurrentIndex(1);
+        main.cboRecipeType_Click();
+        QCOMPARE(gRecipeType, QStringLiteral("Drink"));
+        gRecipeType = QStringLiteral("Other"); // changed by another window
+        main.Form_Activate();
+        QCOMPARE(main.cboRecipeType->currentText(), QStringLiteral("Other"));
+        SaveScreenshot(&main, QStringLiteral("frmMain"));
+    }
+
+    void helpOpensTheShippedManual()
+    {
+        frmMain main;
+        QFile::copy(QStringLiteral(MIREPAN_SOURCE_DIR "/data/vesk_um.rtf"), m_home->path("vesk_um.rtf"));
+        main.mnuUM->trigger();
+        QCOMPARE(m_shell->opened, QStringList{m_home->path("vesk_um.rtf")});
+        QVERIFY(m_boxes->boxes.isEmpty());
+        main.mnuWebPage->trigger(); // not shipped into the test directory: a clear message
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QVERIFY(m_boxes->boxes[0].prompt.startsWith(QStringLiteral("The web page could not be opened")));
+    }
+
+    void listMaintenanceWarnsFirst()
+    {
+        bool opened = false;
+        Hooks().listMaintenance = [&] { opened = true; };
+        frmMain main;
+        main.mnuList->trigger();
+        QVERIFY(opened);
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral(
+            "Be careful when making changes to the values in the combo boxes!\nYour changes will immediately affect the lists available in the software.")});
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Warning"));
+        QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
+    }
+};
+
+QTEST_MAIN(TestStartup)
+#include "test_startup.moc"
