@@ -1,0 +1,110 @@
+#include "benchdata.h"
+
+#include "core/schema.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QStringList>
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+const QStringList kDishes = {"Pie", "Soup", "Stew", "Salad", "Bread", "Casserole", "Curry",
+                             "Risotto", "Tart", "Cake", "Pasta", "Chili", "Gratin", "Omelette"};
+const QStringList kAdjectives = {"Apple", "Mom's", "Spicy", "Country", "Garden", "Lemon",
+                                 "Harvest", "Smoky", "Golden", "Rustic", "Sunday", "Winter"};
+const QStringList kItems = {"onion", "garlic", "butter", "flour", "sugar", "salt", "pepper",
+                            "egg", "milk", "carrot", "celery", "potato", "tomato", "rice",
+                            "olive oil", "chicken", "beef", "lemon", "parsley", "thyme",
+                            "cheese", "cream", "apple", "cinnamon", "yeast", "honey"};
+const QStringList kAmounts = {"1/4", "1/2", "3/4", "1", "1 1/2", "2", "3", "---"};
+const QStringList kMeasures = {"tsp", "Tbsp", "cup", "oz", "lb", "g", "clove", "---"};
+const QStringList kCategories = {"Main Dishes", "Soups", "Desserts", "Breads", "Salads"};
+
+template<typename List>
+const auto &pick(QRandomGenerator &random, const List &list)
+{
+    return list[random.bounded(int(list.size()))];
+}
+
+} // namespace
+
+void GenerateRecipeDatabase(const QString &path, int recipes)
+{
+    QFile::remove(path);
+    if (!CreateDatabaseFromSchema(path))
+        qFatal("cannot create %s", qPrintable(path));
+    const QString name = QStringLiteral("bench-generate");
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(path);
+        db.open();
+        QSqlQuery q(db);
+        q.exec(QStringLiteral("PRAGMA synchronous = OFF"));
+        db.transaction();
+        QRandomGenerator random(20261123);
+        QSqlQuery recipe(db), ingredient(db), direction(db), cabinet(db);
+        recipe.prepare(QStringLiteral("INSERT INTO RECIPE VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+        ingredient.prepare(QStringLiteral("INSERT INTO INGREDIENTS VALUES (?, ?, ?, ?, ?, ?)"));
+        direction.prepare(QStringLiteral("INSERT INTO DIRECTIONS VALUES (?, ?, ?)"));
+        cabinet.prepare(QStringLiteral("INSERT OR IGNORE INTO CABINET VALUES (?, ?, ?)"));
+        for (const QString &item : kItems) {
+            cabinet.addBindValue(item);
+            cabinet.addBindValue(QStringLiteral("F"));
+            cabinet.addBindValue(random.bounded(2));
+            cabinet.exec();
+        }
+        for (int id = 1; id <= recipes; ++id) {
+            const int minutes = random.bounded(10, 240);
+            recipe.addBindValue(id);
+            recipe.addBindValue(QStringLiteral("%1 Servings").arg(random.bounded(1, 12)));
+            recipe.addBindValue(QStringLiteral("F"));
+            recipe.addBindValue(pick(random, kCategories));
+            recipe.addBindValue(pick(random, kAdjectives) + u' ' + pick(random, kDishes) + u' ' + QString::number(id));
+            recipe.addBindValue(QStringLiteral("%1:%2").arg(minutes / 60, 2, 10, QLatin1Char('0')).arg(minutes % 60, 2, 10, QLatin1Char('0')));
+            recipe.addBindValue(QStringLiteral("00:45"));
+            recipe.addBindValue(id % 3 ? QString() : QStringLiteral("Family favourite."));
+            recipe.addBindValue(QString(random.bounded(6), u'*'));
+            recipe.exec();
+            const int lines = random.bounded(8, 41);
+            for (int line = 1; line <= lines; ++line) {
+                const QString item = pick(random, kItems);
+                ingredient.addBindValue(id);
+                ingredient.addBindValue(line);
+                ingredient.addBindValue(pick(random, kAmounts));
+                ingredient.addBindValue(pick(random, kMeasures));
+                ingredient.addBindValue(item + QStringLiteral(", chopped"));
+                ingredient.addBindValue(item);
+                ingredient.exec();
+            }
+            const int steps = random.bounded(4, 21);
+            for (int step = 1; step <= steps; ++step) {
+                direction.addBindValue(id);
+                direction.addBindValue(step);
+                direction.addBindValue(QStringLiteral("Stir the pot gently and let it simmer for a few minutes, step %1.").arg(step));
+                direction.exec();
+            }
+        }
+        db.commit();
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+}
+
+void PrintFigure(const char *name, double value, const char *unit, const char *goal)
+{
+    if (goal)
+        std::printf("%s: %.1f %s (goal: %s)\n", name, value, unit, goal);
+    else
+        std::printf("%s: %.1f %s\n", name, value, unit);
+    std::fflush(stdout);
+}
+
+double Median(QList<double> samples)
+{
+    std::sort(samples.begin(), samples.end());
+    return samples.isEmpty() ? 0.0 : samples[samples.size() / 2];
+}

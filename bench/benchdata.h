@@ -1,0 +1,13 @@
+#pragma once
+// Realistic recipe databases for the benchmarks.
+
+#include <QString>
+
+// Creates the database file from the shipped schema and fills it with n recipes of 8 to 40
+// ingredients and 4 to 20 directions each, plus the cabinet rows their ingredients name.
+void GenerateRecipeDatabase(const QString &path, int recipes);
+
+// Prints one figure as "name: value unit", with the goal when there is one.
+void PrintFigure(const char *name, double value, const char *unit, const char *goal = nullptr);
+// The median of a list of samples.
+double Median(QList<double> samples);
