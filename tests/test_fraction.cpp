@@ -1,0 +1,270 @@
+// Amounts as fractions: parsing, formatting, arithmetic and its deliberate quirks.
+
+#include "core/platform.h"
+#include "quantities/cfraction.h"
+#include "support/testsupport.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+#include <numeric>
+
+namespace {
+
+cFraction parsed(const QString &text)
+{
+    cFraction f;
+    f.setStringValue(text);
+    return f;
+}
+
+cFraction topHeavy(qint16 numerator, qint16 denominator)
+{
+    cFraction f;
+    f.setNumerator(numerator);
+    f.setDenominator(denominator);
+    return f;
+}
+
+// The reduction by trial, exactly as described to the household's developers.
+std::pair<int, int> trialSimplify(int n, int d)
+{
+    int g = 0;
+    for (int i = 1; i <= std::abs(d) / 2; ++i) {
+        if (std::abs(n) % i == 0 && std::abs(d) % i == 0)
+            g = i;
+    }
+    return {g == 0 ? 0 : n / g, g == 0 ? 0 : d / g};
+}
+
+} // namespace
+
+class TestFraction : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<ScriptedResponder> m_boxes;
+
+private Q_SLOTS:
+    void init() { m_boxes = std::make_unique<ScriptedResponder>(); }
+    void cleanup()
+    {
+        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
+        m_boxes.reset();
+    }
+
+    void parsing_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("whole");
+        QTest::addColumn<int>("numerator");
+        QTest::addColumn<int>("denominator");
+        QTest::addColumn<QString>("formatted");
+        QTest::newRow("mixed") << "1 1/2" << 1 << 1 << 2 << "1 1/2";
+        QTest::newRow("proper") << "3/4" << 0 << 3 << 4 << "3/4";
+        QTest::newRow("whole is not normalised") << "2" << 0 << 2 << 1 << "2/1";
+        QTest::newRow("blanks trimmed") << "  3/4  " << 0 << 3 << 4 << "3/4";
+        QTest::newRow("decimal cut down") << "1.5" << 0 << 1 << 1 << "1/1";
+        QTest::newRow("below one") << "0.5" << 0 << 0 << 1 << "";
+        QTest::newRow("blank inside a number") << "2 3" << 2 << 23 << 1 << "2 23/1";
+        QTest::newRow("words after a number") << "1 to 2" << 1 << 0 << 1 << "1";
+        QTest::newRow("negative") << "-1/2" << 0 << -1 << 2 << "-1/2";
+        QTest::newRow("words") << "a pinch" << 0 << 0 << 1 << "";
+        QTest::newRow("empty") << "" << 0 << 0 << 1 << "";
+        QTest::newRow("the unset amount") << "---" << 0 << 0 << 1 << "";
+        QTest::newRow("sign only") << "-" << 0 << 0 << 1 << "";
+        QTest::newRow("mixed negative") << "-1 1/2" << -1 << 1 << 2 << "-1 1/2";
+    }
+    void parsing()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, whole);
+        QFETCH(int, numerator);
+        QFETCH(int, denominator);
+        QFETCH(QString, formatted);
+        const cFraction f = parsed(text);
+        QCOMPARE(int(f.WholeNumber()), whole);
+        QCOMPARE(int(f.Numerator()), numerator);
+        QCOMPARE(int(f.Denominator()), denominator);
+        QCOMPARE(f.StringValue(), formatted);
+        QVERIFY(m_boxes->boxes.isEmpty());
+    }
+
+    void zeroDenominatorIsAMessageNotAnError()
+    {
+        cFraction f = parsed(QStringLiteral("1/0"));
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Error parsing string to create fraction!")});
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
+        QCOMPARE(m_boxes->boxes[0].style.buttons, MsgButtons::Ok);
+        QCOMPARE(f.StringValue(), QStringLiteral("1/0"));
+        f.setStringValue(QStringLiteral("1/"));
+        QCOMPARE(m_boxes->boxes.size(), 2); // once per parse
+        QCOMPARE(f.StringValue(), QStringLiteral("1/0"));
+        cFraction fresh;
+        QCOMPARE(fresh.Denominator(), qint16(0));
+        QCOMPARE(fresh.StringValue(), QString());
+    }
+
+    void arithmetic_data()
+    {
+        QTest::addColumn<QString>("left");
+        QTest::addColumn<QString>("right");
+        QTest::addColumn<QString>("product");
+        QTest::addColumn<QString>("sum");
+        QTest::newRow("quarter doubled") << "1/4" << "2" << "1/2" << "2 1/4";
+        QTest::newRow("three quarters by four") << "3/4" << "4" << "3" << "4 3/4";
+        QTest::newRow("mixed by a fraction") << "1 1/2" << "3/2" << "2 1/4" << "3";
+        QTest::newRow("thirds") << "1/3" << "1/3" << "1/9" << "2/3";
+        QTest::newRow("halves") << "1/2" << "1/2" << "1/4" << "1";
+        QTest::newRow("reduced") << "6/8" << "1" << "3/4" << "1 3/4";
+        QTest::newRow("top-heavy") << "9/4" << "1" << "2 1/4" << "3 1/4";
+    }
+    void arithmetic()
+    {
+        QFETCH(QString, left);
+        QFETCH(QString, right);
+        QFETCH(QString, product);
+        QFETCH(QString, sum);
+        cFraction a = parsed(left), b = parsed(right);
+        a.Multiply(b);
+        QCOMPARE(a.StringValue(), product);
+        cFraction c = parsed(left), d = parsed(right);
+        c.Add(d);
+        QCOMPARE(c.StringValue(), sum);
+    }
+
+    void operandIsMadeTopHeavy()
+    {
+        cFraction a = parsed(QStringLiteral("1/2"));
+        cFraction b = parsed(QStringLiteral("1 1/2"));
+        a.Multiply(b);
+        QCOMPARE(b.WholeNumber(), qint16(0));
+        QCOMPARE(b.Numerator(), qint16(3));
+        QCOMPARE(b.Denominator(), qint16(2));
+        QCOMPARE(a.StringValue(), QStringLiteral("3/4"));
+    }
+
+    void divideAndSubtract()
+    {
+        cFraction a = parsed(QStringLiteral("1/2")), b = parsed(QStringLiteral("3"));
+        a.Divide(b); // b divided by a
+        QCOMPARE(a.StringValue(), QStringLiteral("6"));
+        cFraction c = parsed(QStringLiteral("3/4")), d = parsed(QStringLiteral("1/4"));
+        c.Subtract(d);
+        QCOMPARE(c.StringValue(), QStringLiteral("1/2"));
+    }
+
+    void deliberateImperfections()
+    {
+        cFraction sixteen = topHeavy(-16, 16);
+        sixteen.Simplify();
+        QCOMPARE(sixteen.StringValue(), QStringLiteral("-2/2"));
+        cFraction fiveHalves = topHeavy(-5, 2);
+        fiveHalves.Simplify();
+        QCOMPARE(fiveHalves.StringValue(), QStringLiteral("-5/2"));
+        cFraction sign = parsed(QStringLiteral("-1 1/2"));
+        sign.MakeTopHeavy();
+        QCOMPARE(sign.StringValue(), QStringLiteral("-1/2")); // the whole part's sign is lost
+        cFraction three = topHeavy(-3, 1);
+        try {
+            three.Simplify();
+            QFAIL("no division by zero");
+        } catch (const PlatformError &e) {
+            QCOMPARE(e.code(), PlatformError::DivisionByZero);
+        }
+        cFraction twelve = topHeavy(12, 4);
+        twelve.Simplify();
+        QCOMPARE(twelve.Numerator(), qint16(0));
+        QCOMPARE(twelve.StringValue(), QStringLiteral("3"));
+    }
+
+    void reductionMatchesTheTrialDivisor()
+    {
+        for (int d = -60; d <= 60; ++d) {
+            for (int n = -70; n <= 70; ++n) {
+                if (n == 0 || d == 0 || n >= d)
+                    continue; // only what reaches the reduction untouched by the whole part
+                const auto [rn, rd] = trialSimplify(n, d);
+                cFraction f = topHeavy(qint16(n), qint16(d));
+                if (rd == 0) {
+                    QVERIFY_THROWS_EXCEPTION(PlatformError, f.Simplify());
+                    continue;
+                }
+                f.Simplify();
+                QCOMPARE(int(f.Numerator()), rn);
+                QCOMPARE(int(f.Denominator()), rd);
+            }
+        }
+    }
+
+    void propertyAgainstExactRationals()
+    {
+        QRandomGenerator random(42);
+        int checked = 0, overflowed = 0;
+        for (int round = 0; round < 20000; ++round) {
+            const qint64 w1 = random.bounded(0, 12), d1 = random.bounded(1, 64), n1 = random.bounded(0, int(d1));
+            const qint64 w2 = random.bounded(0, 12), d2 = random.bounded(1, 64), n2 = random.bounded(0, int(d2));
+            const QString t1 = QStringLiteral("%1 %2/%3").arg(w1).arg(n1).arg(d1);
+            const QString t2 = QStringLiteral("%1 %2/%3").arg(w2).arg(n2).arg(d2);
+            const qint64 top1 = w1 * d1 + n1, top2 = w2 * d2 + n2;
+            const bool multiplyFits = top1 * top2 <= 32767 && d1 * d2 <= 32767;
+            const bool addFits = d1 * top2 <= 32767 && d2 * top1 <= 32767 && d1 * top2 + d2 * top1 <= 32767 && d1 * d2 <= 32767;
+            for (int op = 0; op < 2; ++op) {
+                const bool fits = op == 0 ? multiplyFits : addFits;
+                qint64 num = op == 0 ? top1 * top2 : top1 * d2 + top2 * d1;
+                qint64 den = d1 * d2;
+                cFraction a = parsed(t1), b = parsed(t2);
+                try {
+                    op == 0 ? a.Multiply(b) : a.Add(b);
+                } catch (const PlatformError &e) {
+                    QVERIFY2(!fits, qPrintable(t1 + QStringLiteral(" op ") + t2));
+                    QCOMPARE(e.code(), PlatformError::Overflow);
+                    ++overflowed;
+                    continue;
+                }
+                QVERIFY2(fits, qPrintable(QStringLiteral("no overflow for ") + t1 + u' ' + t2));
+                const qint64 g = std::gcd(num, den);
+                num /= g;
+                den /= g;
+                QCOMPARE(qint64(a.WholeNumber()), num / den);
+                if (num % den == 0) {
+                    QCOMPARE(a.Numerator(), qint16(0));
+                } else {
+                    QCOMPARE(qint64(a.Numerator()), num % den); // proper and fully reduced
+                    QCOMPARE(qint64(a.Denominator()), den);
+                }
+                ++checked;
+            }
+        }
+        QVERIFY(checked > 10000);
+        QVERIFY(overflowed > 1000);
+    }
+
+    void anyTextEndsInAValueAMessageOrThePlatformError()
+    {
+        const QStringList texts = {QString(), QStringLiteral("99999"), QStringLiteral("1e400"),
+                                   QStringLiteral("-"), QStringLiteral("1/0"), QString(100000, u'9'),
+                                   QString::fromUtf8("\x01\x02\xff"), QStringLiteral("1/2/3"),
+                                   QStringLiteral("  /  "), QStringLiteral("1e4/2"), QStringLiteral("3 4 5/6")};
+        for (const QString &text : texts) {
+            try {
+                cFraction f = parsed(text);
+                cFraction two = parsed(QStringLiteral("2"));
+                f.Multiply(two);
+                (void)f.StringValue();
+            } catch (const PlatformError &) {
+            }
+        }
+        m_boxes->clear(); // the zero-denominator texts showed their message
+        QVERIFY_THROWS_EXCEPTION(PlatformError, parsed(QStringLiteral("99999")));
+        QVERIFY_THROWS_EXCEPTION(PlatformError, parsed(QStringLiteral("1e400")));
+    }
+
+    void overflowWhenScaledBeyondSixteenBits()
+    {
+        cFraction a = parsed(QStringLiteral("1/200")), b = parsed(QStringLiteral("1/200"));
+        QVERIFY_THROWS_EXCEPTION(PlatformError, a.Add(b));
+    }
+};
+
+QTEST_MAIN(TestFraction)
+#include "test_fraction.moc"
