@@ -1,6 +1,7 @@
 #include "registerwindows.h"
 
 #include "core/windowhooks.h"
+#include "recipes/frmadd2.h"
 #include "settings/frmsettings.h"
 
 void RegisterWindows()
@@ -8,4 +9,5 @@ void RegisterWindows()
     WindowHooks &hooks = Hooks();
     hooks.loadSettings = [] { LoadSettings(); };
     hooks.settings = [] { ShowSettings(); };
+    hooks.addRecipe = [] { OpenNewRecipeEditor(); };
 }

@@ -1,8 +1,10 @@
 #include "controls.h"
 
 #include "appstate.h"
+#include "platform.h"
 
 #include <QApplication>
+#include <cmath>
 #include <QComboBox>
 #include <QEvent>
 #include <QLineEdit>
@@ -126,4 +128,14 @@ WaitCursor::WaitCursor()
 WaitCursor::~WaitCursor()
 {
     QApplication::restoreOverrideCursor();
+}
+
+QString NormaliseTimeText(const QString &text)
+{
+    QString digits = text;
+    digits.remove(u':');
+    const double value = std::round(Val(digits));
+    if (std::abs(value) > 1e15)
+        throw PlatformError(PlatformError::Overflow);
+    return Format(qint64(value), QStringLiteral("00:00"));
 }

@@ -133,7 +133,7 @@ Recordset ExecuteSQL(QString &sql)
                        prepared,
                    Msg::Critical, QStringLiteral("Database Error"));
         }
-        return {};
+        return Recordset::failure();
     }
     if (!query.isSelect())
         return {};
@@ -189,6 +189,10 @@ StatementBatch::StatementBatch()
 
 StatementBatch::~StatementBatch()
 {
-    if (m_active)
+    if (!m_active)
+        return;
+    if (m_failed)
+        gConn().rollback();
+    else
         gConn().commit();
 }

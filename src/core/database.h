@@ -23,7 +23,7 @@ extern qint16 gMaxRecipeID;
 bool OpenDatabase();
 void CloseDatabase();
 // Trims the statement in place, prepares it (PrepareSQL), translates it to the engine's
-// dialect and runs it.
+// dialect and runs it. A failed statement answers a result whose failed() is true.
 Recordset ExecuteSQL(QString &sql);
 Recordset ExecuteSQL(const QString &sql);
 // Trims the statement (the caller's text too) and, for an INSERT, doubles the apostrophes
@@ -37,15 +37,17 @@ qint32 NextId(const QString &table);
 bool ReportNotConnected();
 
 // Runs several statements as one commit, so that a recipe's dozens of lines are written at
-// once. Each statement still stands on its own: what ran before a failure stays.
+// once. After fail() nothing of the batch is kept: a recipe is stored whole or not at all.
 class StatementBatch
 {
 public:
     StatementBatch();
     ~StatementBatch();
+    void fail() { m_failed = true; }
     StatementBatch(const StatementBatch &) = delete;
     StatementBatch &operator=(const StatementBatch &) = delete;
 
 private:
     bool m_active = false;
+    bool m_failed = false;
 };

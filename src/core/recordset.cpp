@@ -7,6 +7,13 @@ Recordset::Recordset(QSqlQuery query)
     m_onRow = m_query->next();
 }
 
+Recordset Recordset::failure()
+{
+    Recordset rs;
+    rs.m_failed = true;
+    return rs;
+}
+
 void Recordset::MoveNext()
 {
     if (m_onRow)

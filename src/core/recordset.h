@@ -10,8 +10,11 @@
 class Recordset
 {
 public:
-    Recordset() = default; // no result: a statement that returns none, or failed
+    Recordset() = default; // no result: a statement that returns none
     explicit Recordset(QSqlQuery query);
+    // The answer to a statement that failed.
+    static Recordset failure();
+    bool failed() const { return m_failed; }
 
     bool isOpen() const { return m_query != nullptr; }
     explicit operator bool() const { return isOpen(); }
@@ -31,4 +34,5 @@ private:
     std::shared_ptr<QSqlQuery> m_query;
     QSqlRecord m_record;
     bool m_onRow = false;
+    bool m_failed = false;
 };

@@ -1,0 +1,31 @@
+#pragma once
+// One recipe as the editor holds it and the database stores it.
+
+#include <QList>
+#include <QString>
+
+struct IngredientLine {
+    QString number; // two digits, the line's position
+    QString amount;
+    QString measure;
+    QString ingredient;
+    QString cabinet;
+};
+
+struct DirectionLine {
+    QString step; // two digits, the step's position
+    QString direction;
+};
+
+struct RecipeData {
+    QString recipeType; // "Food", "Drink" or "Other"
+    QString servings;
+    QString category;
+    QString title;
+    QString prepTime;
+    QString cookTime;
+    QString notes;
+    QString rating;
+    QList<IngredientLine> ingredients;
+    QList<DirectionLine> directions;
+};

@@ -1,0 +1,5 @@
+#include "frmadd2.h"
+
+void frmAdd2::cmdView_Click()
+{
+}

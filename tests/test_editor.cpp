@@ -1,0 +1,460 @@
+// The recipe editor: loading, lists, the change flag, ingredient and direction entry.
+
+#include "core/appstate.h"
+#include "core/database.h"
+#include "recipes/cabinetsuggestion.h"
+#include "recipes/frmadd2.h"
+#include "recipes/reciperepository.h"
+#include "support/testsupport.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTest>
+#include <QTreeWidget>
+
+namespace {
+
+QStringList column(const QTreeWidget *list, int c)
+{
+    QStringList texts;
+    for (int i = 0; i < list->topLevelItemCount(); ++i)
+        texts.append(list->topLevelItem(i)->text(c));
+    return texts;
+}
+
+void typeIngredient(frmAdd2 &e, const QString &amount, const QString &measure, const QString &item,
+                    const QString &cabinet)
+{
+    e.cboAmount->setCurrentText(amount);
+    e.cboMeasure->setCurrentText(measure);
+    e.txtItem->setText(item);
+    e.cboCabinet->setCurrentText(cabinet);
+}
+
+void addIngredient(frmAdd2 &e, const QString &item)
+{
+    typeIngredient(e, QStringLiteral("1"), QStringLiteral("cup"), item, item.toLower());
+    e.cmdIngAdd_Click();
+}
+
+void addStep(frmAdd2 &e, const QString &text)
+{
+    e.txtDirection->setText(text);
+    e.cmdDirAdd_Click();
+}
+
+void select(QTreeWidget *list, int row)
+{
+    list->setCurrentItem(list->topLevelItem(row));
+}
+
+} // namespace
+
+class TestEditor : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestHome> m_home;
+    std::unique_ptr<ScriptedResponder> m_boxes;
+
+    std::unique_ptr<frmAdd2> onePage(const QString &type = QStringLiteral("Food"))
+    {
+        auto e = std::make_unique<frmAdd2>();
+        e->TabbedView = false;
+        e->RecipeType = type;
+        e->show();
+        return e;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TestHome>();
+        m_home->createAndOpenDatabase();
+        m_boxes = std::make_unique<ScriptedResponder>();
+        gSubWindows = 0;
+        gRecipeType = QStringLiteral("Food");
+        gSettings = AppSettings();
+    }
+    void cleanup()
+    {
+        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
+        m_boxes.reset();
+        m_home.reset();
+    }
+
+    void newEditorOpensEmptyAndCountsItself()
+    {
+        {
+            auto e = onePage();
+            QCOMPARE(gSubWindows, qint16(1));
+            QVERIFY(!e->cmdSaveAs->isEnabled());
+            QCOMPARE(e->txtStep->text(), QStringLiteral("01"));
+            QCOMPARE(e->txtPrepTime->text(), QStringLiteral("00:00"));
+            QCOMPARE(e->cboAmount->currentText(), QStringLiteral("---"));
+            QCOMPARE(e->cboMeasure->currentText(), QStringLiteral("---")); // the list's first entry
+            QCOMPARE(e->cboCategory->itemText(1), QStringLiteral("Appetizers"));
+            QCOMPARE(e->cboRating->itemText(2), QStringLiteral("**"));
+            QVERIFY(!e->RecipeChange);
+            QCOMPARE(e->defaultButton(), e->cmdIngAdd);
+            QVERIFY(e->lvwIngredients->isColumnHidden(0));
+            QCOMPARE(e->lvwIngredients->headerItem()->text(4), QStringLiteral("In the cabinet as..."));
+            auto second = onePage();
+            QCOMPARE(gSubWindows, qint16(2));
+            second->close(); // by the frame: no question
+            QCOMPARE(gSubWindows, qint16(1));
+        }
+        QCOMPARE(gSubWindows, qint16(0));
+    }
+
+    void drinkRecipesHaveNoTimesAndFoodDoesNotGiveThemBack()
+    {
+        auto e = onePage(QStringLiteral("Drink"));
+        QVERIFY(!e->txtPrepTime->isEnabled());
+        QVERIFY(!e->txtCookTime->isEnabled());
+        QCOMPARE(e->cboMeasure->findText(QStringLiteral("jigger")) >= 0, true);
+        e->cboRecipeType->setCurrentText(QStringLiteral("Food"));
+        e->cboRecipeType_Click();
+        QCOMPARE(gRecipeType, QStringLiteral("Food"));
+        QCOMPARE(e->RecipeType, QStringLiteral("Food"));
+        QCOMPARE(e->cboMeasure->findText(QStringLiteral("jigger")), -1);
+        QCOMPARE(e->txtCookTime->text(), QStringLiteral("00:00"));
+        QVERIFY(!e->txtCookTime->isEnabled()); // kept as it always was
+    }
+
+    void changeFlagAndClosing()
+    {
+        auto e = onePage();
+        QTest::keyClicks(e->txtStep, QStringLiteral("5"));
+        QVERIFY(!e->RecipeChange);
+        e->cmdClose_Click(); // unchanged: no question
+        QVERIFY(!e->isVisible());
+        QVERIFY(m_boxes->boxes.isEmpty());
+
+        auto f = onePage();
+        QTest::keyClicks(f->txtTitle, QStringLiteral("Soup"));
+        QVERIFY(f->RecipeChange);
+        m_boxes->answer(MsgResult::No);
+        f->cmdClose_Click();
+        QVERIFY(f->isVisible());
+        QCOMPARE(m_boxes->boxes[0].prompt, QStringLiteral("Closing the New Recipe Entry Form will cause you to lose all unsaved data.\n\nDo you wish to close anyway?"));
+        m_boxes->answer(MsgResult::Yes);
+        f->cmdClose_Click();
+        QVERIFY(!f->isVisible());
+    }
+
+    void clearAsksAndKeepsTheStoredRecipe()
+    {
+        auto e = onePage();
+        e->EditMode = true;
+        e->RecipeID = 9;
+        e->txtTitle->setText(QStringLiteral("Soup"));
+        addIngredient(*e, QStringLiteral("Salt"));
+        m_boxes->answer(MsgResult::No);
+        e->cmdClear_Click();
+        QCOMPARE(e->txtTitle->text(), QStringLiteral("Soup"));
+        m_boxes->answer(MsgResult::Yes);
+        e->cmdClear_Click();
+        QCOMPARE(e->txtTitle->text(), QString());
+        QCOMPARE(e->lvwIngredients->topLevelItemCount(), 0);
+        QVERIFY(!e->RecipeChange);
+        QVERIFY(e->EditMode);
+        QCOMPARE(e->RecipeID, 9);
+        QCOMPARE(m_boxes->boxes[0].prompt, QStringLiteral("Are you sure you want to erase all data for the current recipe?"));
+    }
+
+    void timesAreNormalisedOnLeaving_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("hours and minutes") << "130" << "01:30";
+        QTest::newRow("with colon") << "1:30" << "01:30";
+        QTest::newRow("minutes only") << "5" << "00:05";
+        QTest::newRow("no range check") << "7:5" << "00:75";
+        QTest::newRow("many hours") << "12345" << "123:45";
+        QTest::newRow("empty") << "" << "00:00";
+        QTest::newRow("words") << "soon" << "00:00";
+    }
+    void timesAreNormalisedOnLeaving()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, shown);
+        auto e = onePage();
+        e->txtPrepTime->setText(typed);
+        e->txtPrepTime_LostFocus();
+        QCOMPARE(e->txtPrepTime->text(), shown);
+        e->txtCookTime->setText(typed);
+        e->txtCookTime_LostFocus();
+        QCOMPARE(e->txtCookTime->text(), shown);
+    }
+
+    void ingredientValidation()
+    {
+        auto e = onePage();
+        const QList<std::pair<QStringList, QString>> cases = {
+            {{"", "cup", "Salt", "salt"}, "Please Enter an amount!"},
+            {{"1", "", "Salt", "salt"}, "Please Enter a measurement!"},
+            {{"---", "---", "", "salt"}, "Please Enter an item!"},
+            {{"---", "---", "Salt", ""}, "Please Enter a Short Cabinet Name!"},
+        };
+        for (const auto &[fields, message] : cases) {
+            m_boxes->clear();
+            typeIngredient(*e, fields[0], fields[1], fields[2], fields[3]);
+            e->cmdIngAdd_Click();
+            QCOMPARE(m_boxes->prompts(), QStringList{message});
+            QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Information Required"));
+            QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::None);
+        }
+        QCOMPARE(e->lvwIngredients->topLevelItemCount(), 0);
+        typeIngredient(*e, QStringLiteral("---"), QStringLiteral("---"), QStringLiteral("Salt"), QStringLiteral("salt"));
+        e->cmdIngAdd_Click(); // "---" is filled
+        QCOMPARE(column(e->lvwIngredients, 1), QStringList{QStringLiteral("---")});
+        QCOMPARE(e->cboAmount->currentText(), QStringLiteral("---"));
+        QCOMPARE(e->txtItem->text(), QString());
+        QCOMPARE(e->SelectedIngredient, -1);
+    }
+
+    void ingredientOverwriteInsertAndRemove()
+    {
+        auto e = onePage();
+        for (const char *item : {"Flour", "Sugar", "Eggs", "Milk", "Salt"})
+            addIngredient(*e, QLatin1String(item));
+        QCOMPARE(column(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05"}));
+
+        // Clicking a line and adding it unchanged still asks; No overwrites (the default).
+        select(e->lvwIngredients, 1);
+        e->lvwIngredients_Click();
+        QCOMPARE(e->txtItem->text(), QStringLiteral("Sugar"));
+        e->txtItem->setText(QStringLiteral("Brown sugar"));
+        m_boxes->answer(MsgResult::No);
+        e->cmdIngAdd_Click();
+        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("You have attempted to change an ingredient.  The default process will Overwrite the old Ingredient.\n\nWould you like to Insert the new ingredient instead?"));
+        QVERIFY(m_boxes->boxes.last().style.defaultNo);
+        QCOMPARE(column(e->lvwIngredients, 3), (QStringList{"Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
+
+        // Inserting before line 1 renumbers every line.
+        select(e->lvwIngredients, 0);
+        e->lvwIngredients_Click();
+        e->txtItem->setText(QStringLiteral("Butter"));
+        m_boxes->answer(MsgResult::Yes);
+        e->cmdIngAdd_Click();
+        QCOMPARE(column(e->lvwIngredients, 3), (QStringList{"Butter", "Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
+        QCOMPARE(column(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05", "06"}));
+
+        // Removing line 3 renumbers the rest.
+        select(e->lvwIngredients, 2);
+        m_boxes->answer(MsgResult::Yes);
+        e->cmdIngRemove_Click();
+        QCOMPARE(column(e->lvwIngredients, 3), (QStringList{"Butter", "Flour", "Eggs", "Milk", "Salt"}));
+        QCOMPARE(column(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05"}));
+
+        e->lvwIngredients->setCurrentItem(nullptr);
+        e->cmdIngRemove_Click();
+        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("There are no items to remove!"));
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
+    }
+
+    void stepNumbersOnLeaving_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("beyond the end") << "9" << "04";
+        QTest::newRow("zero") << "0" << "04";
+        QTest::newRow("negative") << "-2" << "02";
+        QTest::newRow("words") << "x" << "04";
+        QTest::newRow("within") << "3" << "03";
+    }
+    void stepNumbersOnLeaving()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, shown);
+        auto e = onePage();
+        for (const char *step : {"Mix", "Bake", "Serve"})
+            addStep(*e, QLatin1String(step));
+        e->txtStep->setText(typed);
+        e->txtStep_LostFocus();
+        QCOMPARE(e->txtStep->text(), shown);
+    }
+
+    void directionsAddInsertOverwriteRemove()
+    {
+        auto e = onePage();
+        e->cmdDirAdd_Click();
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Please enter the direction!")});
+        QCOMPARE(e->lvwDirections->topLevelItemCount(), 0);
+        for (const char *step : {"Mix", "Bake", "Serve"})
+            addStep(*e, QLatin1String(step));
+        QCOMPARE(e->txtStep->text(), QStringLiteral("04"));
+        QCOMPARE(e->txtDirection->text(), QString());
+
+        e->txtStep->setText(QStringLiteral("02"));
+        m_boxes->answer(MsgResult::Yes);
+        addStep(*e, QStringLiteral("Rest"));
+        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("You have entered a duplicate step.  The default process will Overwrite the old step.\n\nWould you like to Insert the new step instead?"));
+        QCOMPARE(column(e->lvwDirections, 1), (QStringList{"Mix", "Rest", "Bake", "Serve"}));
+        QCOMPARE(column(e->lvwDirections, 0), (QStringList{"01", "02", "03", "04"}));
+        QCOMPARE(e->txtStep->text(), QStringLiteral("05"));
+
+        select(e->lvwDirections, 3);
+        e->lvwDirections_Click();
+        QCOMPARE(e->txtStep->text(), QStringLiteral("04"));
+        m_boxes->answer(MsgResult::No);
+        addStep(*e, QStringLiteral("Serve warm"));
+        QCOMPARE(column(e->lvwDirections, 1), (QStringList{"Mix", "Rest", "Bake", "Serve warm"}));
+
+        for (int i = 0; i < 4; ++i) {
+            select(e->lvwDirections, 0);
+            m_boxes->answer(MsgResult::Yes);
+            e->cmdDirRemove_Click();
+        }
+        QCOMPARE(e->lvwDirections->topLevelItemCount(), 0);
+        QCOMPARE(e->txtStep->text(), QStringLiteral("01"));
+    }
+
+    void enterAddsTheEntryBeingTyped()
+    {
+        auto e = onePage();
+        e->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(e.get()));
+        e->txtDirection->setFocus();
+        QCOMPARE(e->defaultButton(), e->cmdDirAdd);
+        QTest::keyClicks(e->txtDirection, QStringLiteral("Whisk"));
+        QTest::keyClick(e->txtDirection, Qt::Key_Return);
+        QCOMPARE(column(e->lvwDirections, 1), QStringList{QStringLiteral("Whisk")});
+        e->txtItem->setFocus();
+        QCOMPARE(e->defaultButton(), e->cmdIngAdd);
+        typeIngredient(*e, QStringLiteral("2"), QStringLiteral("cup"), QStringLiteral("Rice"), QStringLiteral("rice"));
+        QTest::keyClick(e->txtItem, Qt::Key_Return);
+        QCOMPARE(column(e->lvwIngredients, 3), QStringList{QStringLiteral("Rice")});
+    }
+
+    void tabbedViewAddsOnlyOnItsTab()
+    {
+        frmAdd2 e;
+        e.TabbedView = true;
+        e.show();
+        e.Form_Activate();
+        QCOMPARE(e.tabRecipe->currentIndex(), 0);
+        QVERIFY(e.fraRecipe[0]->isVisible());
+        QVERIFY(!e.fraRecipe[1]->isVisible());
+        typeIngredient(e, QStringLiteral("1"), QStringLiteral("cup"), QStringLiteral("Rice"), QStringLiteral("rice"));
+        e.cmdIngAdd_Click(); // tab 1 is shown: nothing happens
+        QCOMPARE(e.lvwIngredients->topLevelItemCount(), 0);
+        e.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&e));
+        e.cboAmount->setFocus(); // focus on the amount brings its tab forward
+        QCOMPARE(e.tabRecipe->currentIndex(), 1);
+        QVERIFY(e.fraRecipe[1]->isVisible());
+        QVERIFY(!e.fraRecipe[0]->isVisible());
+        e.cmdIngAdd_Click();
+        QCOMPARE(e.lvwIngredients->topLevelItemCount(), 1);
+    }
+
+    void cabinetSuggestions()
+    {
+        QCOMPARE(CabinetSearchForms(QStringLiteral("Onions, chopped")), (QStringList{"Onions", "Onion", "chopped"}));
+        QCOMPARE(CabinetSearchForms(QStringLiteral("berries")), (QStringList{"berries", "berry"}));
+        QCOMPARE(CabinetSearchForms(QStringLiteral("tomatoes")), (QStringList{"tomatoes", "tomato"}));
+        QCOMPARE(CabinetSearchForms(QStringLiteral("of an egg")), QStringList{QStringLiteral("egg")});
+        QCOMPARE(CabinetSearchForms(QStringLiteral("an ox, to go")), QStringList());
+        QCOMPARE(CabinetSuggestionSql({QStringLiteral("Onions"), QStringLiteral("Onion")}, QStringLiteral("F")),
+                 QStringLiteral("SELECT DISTINCT item, type FROM CABINET WHERE ('%' & item & '%' LIKE '%Onions%' OR '%' & item & '%' LIKE '%Onion%') AND type = 'F'"));
+
+        ExecuteSQL("INSERT INTO CABINET VALUES ('onion', 'F', 0)");
+        ExecuteSQL("INSERT INTO CABINET VALUES ('red onion', 'F', 1)");
+        ExecuteSQL("INSERT INTO CABINET VALUES ('onion', 'D', 0)");
+        ExecuteSQL("INSERT INTO CABINET VALUES ('garlic', 'F', 0)");
+        auto e = onePage();
+        e->txtItem->setText(QStringLiteral("Onions, chopped"));
+        e->txtItem_LostFocus();
+        QStringList offered;
+        for (int i = 0; i < e->cboCabinet->count(); ++i)
+            offered << e->cboCabinet->itemText(i);
+        offered.sort();
+        QCOMPARE(offered, (QStringList{"onion", "red onion"}));
+        QCOMPARE(e->cboCabinet->currentText(), QStringLiteral("onion"));
+
+        // A typed cabinet name is kept; two-letter words look nothing up.
+        e->cboCabinet->setCurrentText(QStringLiteral("shallot"));
+        e->txtItem_LostFocus();
+        QCOMPARE(e->cboCabinet->currentText(), QStringLiteral("shallot"));
+        e->cboCabinet->setCurrentText(QString());
+        e->txtItem->setText(QStringLiteral("an ox"));
+        e->txtItem_LostFocus();
+        QCOMPARE(e->cboCabinet->count(), 0);
+        QCOMPARE(e->cboCabinet->currentText(), QString());
+    }
+
+    void populateLoadsAStoredRecipe()
+    {
+        ExecuteSQL("INSERT INTO RECIPE (id, servings, type, title, prep_time, cook_time) VALUES (3, '4 Servings', 'F', 'Stew', '00:20', '02:00')");
+        ExecuteSQL("INSERT INTO INGREDIENTS VALUES (3, 2, '1', 'lb', 'Beef', 'beef')");
+        ExecuteSQL("INSERT INTO INGREDIENTS VALUES (3, 1, '2', '---', 'Onions', 'onion')");
+        ExecuteSQL("INSERT INTO DIRECTIONS VALUES (3, 1, 'Brown the beef.')");
+        frmAdd2 e;
+        e.TabbedView = false;
+        e.EditMode = true;
+        e.RecipeID = 3;
+        e.PopulateForm();
+        QCOMPARE(gSubWindows, qint16(1));
+        QCOMPARE(e.txtTitle->text(), QStringLiteral("Stew"));
+        QCOMPARE(e.cboCategory->currentText(), QString()); // NULL reads as empty
+        QCOMPARE(e.txtNotes->toPlainText(), QString());
+        QCOMPARE(e.txtCookTime->text(), QStringLiteral("02:00"));
+        QCOMPARE(column(e.lvwIngredients, 3), (QStringList{"Onions", "Beef"}));
+        QCOMPARE(column(e.lvwIngredients, 0), (QStringList{"01", "02"}));
+        QCOMPARE(e.txtStep->text(), QStringLiteral("02"));
+        QVERIFY(e.cmdSaveAs->isEnabled());
+        QVERIFY(!e.RecipeChange);
+        e.show();
+        QCOMPARE(gSubWindows, qint16(1)); // loaded once
+    }
+
+    void screenshotsOfBothArrangements()
+    {
+        RecipeData recipe;
+        recipe.recipeType = QStringLiteral("Food");
+        recipe.title = QStringLiteral("Grandmother's Apple Pie");
+        recipe.category = QStringLiteral("Desserts");
+        recipe.servings = QStringLiteral("8 Servings");
+        recipe.prepTime = QStringLiteral("00:30");
+        recipe.cookTime = QStringLiteral("00:45");
+        recipe.notes = QStringLiteral("Serve warm with cream.");
+        recipe.rating = QStringLiteral("****");
+        const char *lines[][4] = {{"2 1/2", "cup", "Flour, sifted", "flour"}, {"1", "cup", "Butter, cold", "butter"},
+                                  {"6", "---", "Apples, peeled and sliced", "apple"}, {"3/4", "cup", "Sugar", "sugar"},
+                                  {"1", "tsp", "Cinnamon", "cinnamon"}, {"---", "pinch", "Salt", "salt"}};
+        int n = 0;
+        for (const auto &l : lines)
+            recipe.ingredients.append({QStringLiteral("%1").arg(++n, 2, 10, QLatin1Char('0')), QLatin1String(l[0]),
+                                       QLatin1String(l[1]), QLatin1String(l[2]), QLatin1String(l[3])});
+        recipe.directions = {{"01", "Rub the butter into the flour and salt; add cold water to make a dough."},
+                             {"02", "Toss the apples with sugar and cinnamon."},
+                             {"03", "Fill the lined dish, cover, and bake at 190 C for 45 minutes."}};
+        QVERIFY(StoreRecipe(recipe, 1, false));
+        for (bool tabbed : {true, false}) {
+            frmAdd2 e;
+            e.TabbedView = tabbed;
+            e.EditMode = true;
+            e.RecipeID = 1;
+            e.PopulateForm();
+            e.show();
+            if (tabbed) {
+                SaveScreenshot(&e, QStringLiteral("frmAdd2-tabbed-recipe"));
+                e.tabRecipe->setCurrentIndex(1);
+                SaveScreenshot(&e, QStringLiteral("frmAdd2-tabbed-ingredients"));
+                e.tabRecipe->setCurrentIndex(2);
+                SaveScreenshot(&e, QStringLiteral("frmAdd2-tabbed-directions"));
+            } else {
+                SaveScreenshot(&e, QStringLiteral("frmAdd2-onepage"));
+            }
+            QCOMPARE(e.lvwIngredients->topLevelItemCount(), 6);
+        }
+    }
+};
+
+QTEST_MAIN(TestEditor)
+#include "test_editor.moc"

@@ -1,0 +1,249 @@
+// Saving recipes from the editor: new, overwritten, copied, and refused.
+
+#include "core/appstate.h"
+#include "core/database.h"
+#include "recipes/frmadd2.h"
+#include "recipes/reciperepository.h"
+#include "support/testsupport.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+namespace {
+
+int count(const QString &sql)
+{
+    const Recordset rs = ExecuteSQL(sql);
+    return rs && !rs.eof() ? rs.value(0).toInt() : -1;
+}
+
+RecipeData sampleRecipe(const QString &title)
+{
+    RecipeData r;
+    r.recipeType = QStringLiteral("Food");
+    r.title = title;
+    r.servings = QStringLiteral("4");
+    r.prepTime = QStringLiteral("00:10");
+    r.cookTime = QStringLiteral("00:20");
+    r.ingredients = {{"01", "1", "cup", "Rice", "rice"}, {"02", "2", "cup", "Water", "water"}};
+    r.directions = {{"01", "Boil."}, {"02", "Simmer."}};
+    return r;
+}
+
+} // namespace
+
+class TestRecipeSave : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestHome> m_home;
+    std::unique_ptr<ScriptedResponder> m_boxes;
+
+    std::unique_ptr<frmAdd2> newEditor()
+    {
+        auto e = std::make_unique<frmAdd2>();
+        e->TabbedView = false;
+        e->show();
+        return e;
+    }
+    frmAdd2 *editEditor(qint32 id)
+    {
+        frmAdd2 *e = OpenRecipeEditor(id, QStringLiteral("Food"));
+        return e;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TestHome>();
+        m_home->createAndOpenDatabase();
+        m_boxes = std::make_unique<ScriptedResponder>();
+        gSubWindows = 0;
+        gSettings = AppSettings();
+        gSettings.StandardAdd = true;
+    }
+    void cleanup()
+    {
+        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
+        m_boxes.reset();
+        m_home.reset();
+    }
+
+    void newRecipeGetsIdentifierOneAndTheWindowStaysOpen()
+    {
+        auto e = newEditor();
+        e->txtTitle->setText(QStringLiteral("Mom's pie"));
+        e->txtServings->setText(QStringLiteral("6"));
+        e->txtDirection->setText(QStringLiteral("Bake it."));
+        e->cboAmount->setCurrentText(QStringLiteral("1 1/2"));
+        e->cboMeasure->setCurrentText(QStringLiteral("cup"));
+        e->txtItem->setText(QStringLiteral("Apples, sliced"));
+        e->cboCabinet->setCurrentText(QStringLiteral("apple"));
+        e->cmdSave_Click(); // the pending line and step are added first
+        QCOMPARE(m_boxes->statusAtWait, QStringList{QStringLiteral("Mom's pie has been saved!")});
+        QCOMPARE(m_boxes->waited(), 2.0);
+        QVERIFY(m_boxes->boxes.isEmpty());
+        QVERIFY(e->isVisible());
+        QCOMPARE(e->txtTitle->text(), QString());
+        QCOMPARE(e->lvwIngredients->topLevelItemCount(), 0);
+
+        const RecipeData stored = LoadRecipe(1);
+        QCOMPARE(stored.title, QStringLiteral("Mom's pie"));
+        QCOMPARE(stored.servings, QStringLiteral("6"));
+        QCOMPARE(stored.recipeType, QStringLiteral("Food"));
+        QCOMPARE(stored.prepTime, QStringLiteral("00:00"));
+        QCOMPARE(stored.ingredients.size(), 1);
+        QCOMPARE(stored.ingredients[0].amount, QStringLiteral("1 1/2"));
+        QCOMPARE(stored.ingredients[0].ingredient, QStringLiteral("Apples, sliced"));
+        QCOMPARE(stored.directions.size(), 1);
+        QCOMPARE(stored.directions[0].direction, QStringLiteral("Bake it."));
+        QCOMPARE(count("SELECT type FROM RECIPE WHERE id = 1 AND type = 'F'") >= 0, true);
+    }
+
+    void overwritingReplacesTheLinesAndCloses()
+    {
+        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
+        frmAdd2 *e = editEditor(5);
+        QPointer<frmAdd2> alive(e);
+        QCOMPARE(gSubWindows, qint16(1));
+        e->lvwIngredients->setCurrentItem(e->lvwIngredients->topLevelItem(1));
+        m_boxes->answer(MsgResult::Yes);
+        e->cmdIngRemove_Click();
+        m_boxes->answer(MsgResult::Yes); // overwrite
+        e->cmdSave_Click();
+        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("This will overwrite the current recipe.  Do you wish to continue?"));
+        QCOMPARE(count("SELECT count(*) FROM INGREDIENTS WHERE recipe_id = 5"), 1);
+        QCOMPARE(count("SELECT count(*) FROM DIRECTIONS WHERE recipe_id = 5"), 2);
+        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 1);
+        QCOMPARE(gSubWindows, qint16(0));
+        QTest::qWait(0);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(alive.isNull());
+    }
+
+    void declinedOverwriteWritesNothing()
+    {
+        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
+        frmAdd2 *e = editEditor(5);
+        e->txtTitle->setText(QStringLiteral("Changed"));
+        m_boxes->answer(MsgResult::No);
+        e->cmdSave_Click();
+        QCOMPARE(LoadRecipe(5).title, QStringLiteral("Rice"));
+        QVERIFY(e->isVisible());
+        e->close();
+    }
+
+    void saveAsLeavesTheOriginalAndCloses()
+    {
+        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
+        frmAdd2 *e = editEditor(5);
+        e->txtTitle->setText(QStringLiteral("Rice for two"));
+        m_boxes->answer(MsgResult::Yes);
+        e->cmdSaveAs_Click();
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("This will save the current recipe as a copy in the Pantrio.  Do you wish to continue?")});
+        QCOMPARE(LoadRecipe(5).title, QStringLiteral("Rice"));
+        QCOMPARE(LoadRecipe(6).title, QStringLiteral("Rice for two"));
+        QCOMPARE(LoadRecipe(6).ingredients.size(), 2);
+        QCOMPARE(gSubWindows, qint16(0));
+    }
+
+    void failedCopyKeepsSaveAsCopyAndWritesNothing()
+    {
+        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
+        frmAdd2 *e = editEditor(5);
+        // A value holding the delimiter pattern cannot be stored: refused with a message.
+        e->txtNotes->setPlainText(QStringLiteral("Ask Bob', then Ann"));
+        m_boxes->answer(MsgResult::Yes);
+        e->cmdSaveAs_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("There were errors adding the recipe!"));
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Error"));
+        QVERIFY(e->SaveAsCopy);
+        QVERIFY(e->isVisible());
+        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 1);
+        QCOMPARE(count("SELECT count(*) FROM INGREDIENTS"), 2);
+        // Saving again stores a copy, without the overwrite question.
+        e->txtNotes->setPlainText(QStringLiteral("Ask Bob"));
+        e->cmdSave_Click();
+        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 2);
+        QCOMPARE(LoadRecipe(5).title, QStringLiteral("Rice"));
+    }
+
+    void failedOverwriteLosesNothing()
+    {
+        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
+        frmAdd2 *e = editEditor(5);
+        e->txtTitle->setText(QStringLiteral("Rice', plain"));
+        m_boxes->answer(MsgResult::Yes);
+        e->cmdSave_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("There were errors adding the recipe!"));
+        const RecipeData stored = LoadRecipe(5);
+        QCOMPARE(stored.title, QStringLiteral("Rice"));
+        QCOMPARE(stored.ingredients.size(), 2);
+        QCOMPARE(e->txtTitle->text(), QStringLiteral("Rice', plain")); // the window keeps its contents
+        e->close();
+    }
+
+    void pendingLineWithoutCabinetNameStopsTheSave()
+    {
+        auto e = newEditor();
+        e->txtTitle->setText(QStringLiteral("Soup"));
+        e->cboAmount->setCurrentText(QStringLiteral("2"));
+        e->txtItem->setText(QStringLiteral("Leeks"));
+        e->cmdSave_Click();
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Please Enter a Short Cabinet Name!")});
+        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 0);
+        QCOMPARE(e->txtTitle->text(), QStringLiteral("Soup"));
+    }
+
+    void missingTitleAndNoDatabase()
+    {
+        auto e = newEditor();
+        e->cmdSave_Click();
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Please Enter a Title!")});
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Information Required"));
+        CloseDatabase();
+        e->txtTitle->setText(QStringLiteral("Soup"));
+        e->cmdSave_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("If you were able to connect to the Database, you would be able to save.  "));
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
+    }
+
+    void awkwardTextRoundTrips_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("apostrophes") << "Mom's 'best' pie";
+        QTest::newRow("ending in an apostrophe") << "The cooks'";
+        QTest::newRow("double quotes") << "The \"real\" thing";
+        QTest::newRow("percent and ampersand") << "50% cream & 50% milk";
+        QTest::newRow("non-Latin") << QStringLiteral("Борщ 牛肉面 crème brûlée");
+        QTest::newRow("line breaks") << "first line\nsecond line\n\nthird";
+        QTest::newRow("very long") << QString(20000, u'x');
+        QTest::newRow("SQL words") << "DELETE * FROM RECIPE; UCASE(x)";
+    }
+    void awkwardTextRoundTrips()
+    {
+        QFETCH(QString, text);
+        auto e = newEditor();
+        e->txtTitle->setText(text.left(500));
+        e->txtNotes->setPlainText(text);
+        e->cboAmount->setCurrentText(QStringLiteral("1"));
+        e->cboMeasure->setCurrentText(QStringLiteral("cup"));
+        e->txtItem->setText(text);
+        e->cboCabinet->setCurrentText(QStringLiteral("x"));
+        e->txtDirection->setText(text);
+        e->cmdSave_Click();
+        QVERIFY2(m_boxes->boxes.isEmpty(), qPrintable(m_boxes->report()));
+        const RecipeData stored = LoadRecipe(1);
+        QCOMPARE(stored.title, text.left(500));
+        QCOMPARE(stored.notes, text);
+        QCOMPARE(stored.ingredients.value(0).ingredient, text);
+        QCOMPARE(stored.directions.value(0).direction, text);
+    }
+};
+
+QTEST_MAIN(TestRecipeSave)
+#include "test_recipesave.moc"
