@@ -2,6 +2,7 @@
 
 #include "core/windowhooks.h"
 #include "recipes/frmadd2.h"
+#include "search/frmsearch.h"
 #include "settings/frmsettings.h"
 
 void RegisterWindows()
@@ -10,4 +11,5 @@ void RegisterWindows()
     hooks.loadSettings = [] { LoadSettings(); };
     hooks.settings = [] { ShowSettings(); };
     hooks.addRecipe = [] { OpenNewRecipeEditor(); };
+    hooks.searchRecipes = [] { ShowSearchWindow(); };
 }

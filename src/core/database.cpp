@@ -6,6 +6,7 @@
 #include "platform.h"
 #include "programdir.h"
 #include "sqldialect.h"
+#include "sqlitefunctions.h"
 
 #include <QFileInfo>
 #include <QSqlError>
@@ -42,6 +43,7 @@ bool isRecipeDatabase(QSqlDatabase &db)
         !check.next() || check.value(0).toInt() == 0)
         return false;
     check.exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+    InstallTextFunctions(db);
     check.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
     return true;
 }
@@ -169,6 +171,14 @@ qint32 NextId(const QString &table)
     if (!rs || rs.eof() || rs.value(0).isNull())
         return 1;
     return rs.value(0).toInt() + 1;
+}
+
+QString PrepareSearchText(QString &text)
+{
+    text = trimSpaces(text);
+    QString prepared = text;
+    prepared.replace(u'\'', QStringLiteral("''"));
+    return prepared.toUpper();
 }
 
 bool ReportNotConnected()

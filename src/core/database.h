@@ -33,6 +33,9 @@ QString PrepareSQL(QString &sql);
 void RecordMaxRecipeID();
 // The largest id of the table plus one; 1 for an empty table.
 qint32 NextId(const QString &table);
+// A search criterion made ready for a LIKE pattern: trimmed (the caller's text too), its
+// apostrophes doubled, in upper case.
+QString PrepareSearchText(QString &text);
 // Shows the not-connected notice when the database is not connected; true then.
 bool ReportNotConnected();
 

@@ -29,6 +29,8 @@ public:
     QString text(const QString &column) const;
     QString text(int index) const;
     int fieldCount() const { return m_record.count(); }
+    // The position of a column (without regard to case), -1 when absent; for reading many rows.
+    int columnIndex(const QString &column) const { return m_record.indexOf(column); }
 
 private:
     std::shared_ptr<QSqlQuery> m_query;

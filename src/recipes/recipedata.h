@@ -18,6 +18,7 @@ struct DirectionLine {
 };
 
 struct RecipeData {
+    bool exists = true; // false for an identifier with no stored recipe
     QString recipeType; // "Food", "Drink" or "Other"
     QString servings;
     QString category;

@@ -58,7 +58,9 @@ RecipeData LoadRecipe(qint32 id)
     RecipeData recipe;
     const QString number = QString::number(id);
     gSQL = QStringLiteral("SELECT * FROM RECIPE WHERE ID = ") + number;
-    if (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof()) {
+    Recordset found = ExecuteSQL(gSQL);
+    recipe.exists = found && !found.eof();
+    if (Recordset &rs = found; recipe.exists) {
         const QString type = rs.text(QStringLiteral("type"));
         recipe.recipeType = type == u"D" ? QStringLiteral("Drink")
                             : type == u"O" ? QStringLiteral("Other")

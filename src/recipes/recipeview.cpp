@@ -1,5 +1,19 @@
+// Viewing the recipe as it stands in the editor, saved or not, as it would print.
+
 #include "frmadd2.h"
+
+#include "core/appstate.h"
+#include "reports/recipereport.h"
 
 void frmAdd2::cmdView_Click()
 {
+    RecipePrinter printer;
+    printer.SetFileName(gSettings.Preview);
+    ReportSettings settings;
+    settings.baseFontSize = gSettings.BaseFontSize;
+    settings.blankLines = gSettings.BlankLines;
+    // The editor's own type decides, not the program's current one.
+    settings.foodFacts = RecipeType == u"Food";
+    ComposeRecipe(printer, CurrentRecipe(), settings);
+    printer.Show();
 }

@@ -1,0 +1,52 @@
+#include "modcabinet.h"
+
+#include "core/controls.h"
+#include "core/database.h"
+
+#include <algorithm>
+
+QList<qint32> BuildAvailableRecipeList(const QString &recipeType)
+{
+    WaitCursor busy;
+    QList<qint32> available;
+    gSQL = QStringLiteral("SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item and b.type = '") +
+           recipeType.left(1) + QStringLiteral("' ORDER BY recipe_id, ingred_id");
+    Recordset rs = ExecuteSQL(gSQL);
+    if (!rs || rs.eof())
+        return available;
+    const int recipeColumn = rs.columnIndex(QStringLiteral("recipe_id"));
+    const int lineColumn = rs.columnIndex(QStringLiteral("ingred_id"));
+    const int availableColumn = rs.columnIndex(QStringLiteral("available"));
+
+    // Rows come grouped by recipe, then by ingredient line; a line with several cabinet rows
+    // is satisfied when any of them is available, a recipe when all of its lines are.
+    qint64 recipe = rs.value(recipeColumn).toLongLong();
+    qint64 line = rs.value(lineColumn).toLongLong();
+    bool lineSatisfied = false;
+    bool recipeQualifies = true;
+    for (; !rs.eof(); rs.MoveNext()) {
+        const qint64 rowRecipe = rs.value(recipeColumn).toLongLong();
+        const qint64 rowLine = rs.value(lineColumn).toLongLong();
+        if (rowRecipe != recipe || rowLine != line) {
+            recipeQualifies = recipeQualifies && lineSatisfied;
+            lineSatisfied = false;
+            if (rowRecipe != recipe) {
+                if (recipeQualifies)
+                    available.append(qint32(recipe));
+                recipeQualifies = true;
+            }
+            recipe = rowRecipe;
+            line = rowLine;
+        }
+        lineSatisfied = lineSatisfied || rs.value(availableColumn).toInt() != 0;
+    }
+    if (recipeQualifies && lineSatisfied)
+        available.append(qint32(recipe));
+    return available;
+}
+
+bool IsRecipeAvailable(const QList<qint32> &list, qint32 id)
+{
+    // The list is in identifier order: a binary search answers what a scan would.
+    return std::binary_search(list.cbegin(), list.cend(), id);
+}

@@ -1,0 +1,175 @@
+#include "recipeprinter.h"
+
+#include "frmpreview.h"
+#include "rtfwriter.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPageLayout>
+#include <QPrinter>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+
+namespace {
+
+std::function<void(const RecipePrinter &)> &previewSink()
+{
+    static std::function<void(const RecipePrinter &)> sink;
+    return sink;
+}
+
+QTextCharFormat charFormat(const PrintRun &run)
+{
+    QTextCharFormat format;
+    QFont font(run.font);
+    font.setStyleHint(QFont::TypeWriter);
+    font.setPointSizeF(run.size > 0 ? run.size : 1);
+    font.setBold(run.bold);
+    font.setItalic(run.italic);
+    format.setFont(font);
+    format.setForeground(QColor(int(run.rgb & 0xff), int((run.rgb >> 8) & 0xff), int((run.rgb >> 16) & 0xff)));
+    return format;
+}
+
+} // namespace
+
+QString PrintLine::text() const
+{
+    QString all;
+    for (const PrintRun &run : runs)
+        all += run.text;
+    return all;
+}
+
+void SetPrintPreviewSink(std::function<void(const RecipePrinter &)> sink)
+{
+    previewSink() = std::move(sink);
+}
+
+void RecipePrinter::AddText(const QString &text, const QString &font, double size, bool bold,
+                            bool italic, bool further, quint32 rgb)
+{
+    Q_UNUSED(further); // accepted for the callers' sake; it changes nothing
+    if (m_current.runs.isEmpty()) {
+        m_current.newPage = m_pageBreakPending;
+        m_pageBreakPending = false;
+    }
+    m_current.runs.append({text, font, size, bold, italic, rgb});
+}
+
+void RecipePrinter::AddLine(const QString &text, const QString &font, double size, bool bold,
+                            bool italic, bool further, quint32 rgb)
+{
+    AddText(text, font, size, bold, italic, further, rgb);
+    m_lines.append(m_current);
+    m_current = PrintLine();
+}
+
+void RecipePrinter::StartPage()
+{
+    m_pageBreakPending = true;
+}
+
+QList<PrintLine> RecipePrinter::lines() const
+{
+    QList<PrintLine> all = m_lines;
+    if (!m_current.runs.isEmpty())
+        all.append(m_current);
+    return all;
+}
+
+QString RecipePrinter::plainText() const
+{
+    QString text;
+    for (const PrintLine &line : lines()) {
+        if (line.newPage)
+            text += u'\f';
+        text += line.text() + u'\n';
+    }
+    return text;
+}
+
+std::unique_ptr<QTextDocument> RecipePrinter::toDocument() const
+{
+    auto document = std::make_unique<QTextDocument>();
+    document->setUndoRedoEnabled(false);
+    QTextCursor cursor(document.get());
+    bool first = true;
+    for (const PrintLine &line : lines()) {
+        QTextBlockFormat block;
+        if (line.newPage)
+            block.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+        const QTextCharFormat lineFormat = charFormat(line.runs.isEmpty() ? PrintRun() : line.runs.last());
+        if (first) {
+            cursor.setBlockFormat(block);
+            cursor.setBlockCharFormat(lineFormat);
+            first = false;
+        } else {
+            cursor.insertBlock(block, lineFormat);
+        }
+        for (const PrintRun &run : line.runs) {
+            if (!run.text.isEmpty())
+                cursor.insertText(run.text, charFormat(run));
+        }
+    }
+    return document;
+}
+
+bool RecipePrinter::Save(QString *error) const
+{
+    auto fail = [&](const QString &why) {
+        if (error)
+            *error = why;
+        return false;
+    };
+    if (m_fileName.trimmed().isEmpty())
+        return fail(QStringLiteral("No file name is set for saving the preview."));
+    const QFileInfo info(m_fileName);
+    if (!info.absoluteDir().exists())
+        return fail(QStringLiteral("The folder %1 does not exist.").arg(info.absolutePath()));
+    const QString suffix = info.suffix().toLower();
+    if (suffix == u"pdf") {
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(m_fileName);
+        printer.setPageMargins(QMarginsF(20, 20, 20, 20), QPageLayout::Millimeter);
+        QFile probe(m_fileName);
+        if (!probe.open(QIODevice::WriteOnly))
+            return fail(QStringLiteral("%1 cannot be written: %2").arg(m_fileName, probe.errorString()));
+        probe.close();
+        toDocument()->print(&printer);
+        return true;
+    }
+    const QByteArray data = suffix == u"rtf" ? WriteRtf(lines()) : plainText().toUtf8();
+    QFile file(m_fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(data) != data.size())
+        return fail(QStringLiteral("%1 cannot be written: %2").arg(m_fileName, file.errorString()));
+    return true;
+}
+
+void RecipePrinter::Show()
+{
+    if (previewSink()) {
+        previewSink()(*this);
+        return;
+    }
+    auto *preview = new frmPreview(*this);
+    preview->setAttribute(Qt::WA_DeleteOnClose);
+    preview->show();
+}
+
+QString PadText(const QString &text, int width, const QString &mode)
+{
+    if (text.size() >= width)
+        return text.left(width);
+    const int missing = width - int(text.size());
+    if (mode == u"Center") {
+        const int before = missing / 2;
+        return QString(before, u' ') + text + QString(missing - before, u' ');
+    }
+    if (mode == u"Right")
+        return QString(missing, u' ') + text;
+    return text + QString(missing, u' ');
+}

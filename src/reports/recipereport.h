@@ -1,0 +1,21 @@
+#pragma once
+// The printed recipe: one or many recipes composed for the preview.
+
+#include "recipeprinter.h"
+#include "recipes/recipedata.h"
+
+#include <QList>
+
+struct ReportSettings {
+    int baseFontSize = 9;
+    bool blankLines = true;
+    bool foodFacts = true; // servings and times are printed for Food only
+};
+
+// Composes one recipe. A number above 0 is printed before the title (numbered reports).
+void ComposeRecipe(RecipePrinter &printer, const RecipeData &recipe, const ReportSettings &settings,
+                   int number = 0);
+// The report of the stored recipes, in the given order, handed to the preview.
+void PrintRecipes(const QList<qint32> &ids);
+// The size of the blank between directions: half the base size less a half, rounded to even.
+int HalfBlankSize(int baseFontSize);

@@ -1,0 +1,359 @@
+// Finding recipes: the query text, the cabinet filter, and the search window's actions.
+
+#include "cabinet/modcabinet.h"
+#include "core/appstate.h"
+#include "core/database.h"
+#include "recipes/frmadd2.h"
+#include "recipes/reciperepository.h"
+#include "reports/recipeprinter.h"
+#include "search/frmsearch.h"
+#include "search/searchquery.h"
+#include "support/testsupport.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+namespace {
+
+void store(qint32 id, const QString &title, const QString &type = QStringLiteral("Food"),
+           const QString &prep = QStringLiteral("00:30"), const QString &rating = QString(),
+           const QStringList &cabinets = {}, const QString &category = QStringLiteral("Desserts"))
+{
+    RecipeData r;
+    r.recipeType = type;
+    r.title = title;
+    r.category = category;
+    r.prepTime = prep;
+    r.cookTime = QStringLiteral("01:00");
+    r.rating = rating;
+    int n = 0;
+    for (const QString &cabinet : cabinets) {
+        ++n;
+        r.ingredients.append({QStringLiteral("%1").arg(n, 2, 10, QLatin1Char('0')), QStringLiteral("1"),
+                              QStringLiteral("cup"), cabinet + QStringLiteral(", chopped"), cabinet});
+    }
+    QVERIFY(StoreRecipe(r, id, false));
+}
+
+QStringList listed(const frmSearch &s, int column = 1)
+{
+    QStringList texts;
+    for (int i = 0; i < s.lvwRecipes->topLevelItemCount(); ++i)
+        texts.append(s.lvwRecipes->topLevelItem(i)->text(column));
+    return texts;
+}
+
+void selectRows(frmSearch &s, const QList<int> &rows)
+{
+    s.lvwRecipes->clearSelection();
+    for (int row : rows)
+        s.lvwRecipes->topLevelItem(row)->setSelected(true);
+    if (!rows.isEmpty())
+        s.lvwRecipes->setCurrentItem(s.lvwRecipes->topLevelItem(rows.first()), 0, QItemSelectionModel::NoUpdate);
+}
+
+} // namespace
+
+class TestSearch : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestHome> m_home;
+    std::unique_ptr<ScriptedResponder> m_boxes;
+    QList<RecipePrinter> m_previews;
+
+    std::unique_ptr<frmSearch> window()
+    {
+        auto s = std::make_unique<frmSearch>();
+        s->show();
+        return s;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TestHome>();
+        m_home->createAndOpenDatabase();
+        m_boxes = std::make_unique<ScriptedResponder>();
+        gSubWindows = 0;
+        gRecipeType = QStringLiteral("Food");
+        gSettings = AppSettings();
+        gMaxRecipeID = 0;
+        m_previews.clear();
+        SetPrintPreviewSink([this](const RecipePrinter &p) { m_previews.append(p); });
+    }
+    void cleanup()
+    {
+        SetPrintPreviewSink(nullptr);
+        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
+        m_boxes.reset();
+        m_home.reset();
+    }
+
+    void exampleQueryText()
+    {
+        SearchCriteria c;
+        c.title = QStringLiteral("pie");
+        c.prepTime = QStringLiteral("00:30");
+        QCOMPARE(BuildSearchSql(c, SearchContext()),
+                 QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE AND UCASE(A.title) LIKE '%PIE%' AND A.prep_time <= '00:35' AND rating LIKE '%' AND type = 'F' ORDER BY A.title"));
+    }
+
+    void everyClauseInOrder()
+    {
+        SearchCriteria c;
+        c.ingredient = QStringLiteral(" baker's yeast ");
+        c.title = QStringLiteral("Mom's");
+        c.category = QStringLiteral("bread");
+        c.prepTime = QStringLiteral("00:58");
+        c.cookTime = QStringLiteral("99:58");
+        c.rating = QStringLiteral("'**");
+        SearchContext ctx;
+        ctx.recipeType = QStringLiteral("Drink");
+        ctx.onlyNewRecipes = true;
+        ctx.maxRecipeId = 120;
+        QCOMPARE(BuildSearchSql(c, ctx),
+                 QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A, INGREDIENTS B WHERE A.id = B.recipe_id AND "
+                                "UCASE(b.ingredient) LIKE '%BAKER''S YEAST%' AND UCASE(A.title) LIKE '%MOM''S%' "
+                                "AND UCASE(A.category) LIKE '%BREAD%' AND A.prep_time <= '01:03'AND A.cook_time <= '100:03' "
+                                "AND A.id > 120 AND rating LIKE '**%' AND type = 'D' ORDER BY A.title"));
+    }
+
+    void minutesAndSearchText()
+    {
+        QCOMPARE(AddMinutesToTime(5, QStringLiteral("00:58")), QStringLiteral("01:03"));
+        QCOMPARE(AddMinutesToTime(5, QStringLiteral("99:58")), QStringLiteral("100:03"));
+        QCOMPARE(AddMinutesToTime(5, QStringLiteral("01:10")), QStringLiteral("01:15"));
+        QCOMPARE(AddMinutesToTime(-15, QStringLiteral("01:10")), QStringLiteral("00:55"));
+        QCOMPARE(AddMinutesToTime(-15, QStringLiteral("00:10")), QStringLiteral("00:00"));
+        QCOMPARE(AddMinutesToTime(5, QStringLiteral("ab:cd")), QStringLiteral("00:05"));
+        QString text = QStringLiteral("  Mom's pie ");
+        QCOMPARE(PrepareSearchText(text), QStringLiteral("MOM''S PIE"));
+        QCOMPARE(text, QStringLiteral("Mom's pie"));
+    }
+
+    void searchesOnARealDatabase()
+    {
+        store(1, QStringLiteral("Apple Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QStringLiteral("***"), {"apple", "butter"});
+        store(2, QStringLiteral("banana bread"), QStringLiteral("Food"), QStringLiteral("01:10"), QString(), {"banana", "apple"});
+        store(3, QStringLiteral("Mom's Cherry Pie"), QStringLiteral("Food"), QStringLiteral("00:34"), QStringLiteral("*"), {"cherry"});
+        store(4, QStringLiteral("Pie Punch"), QStringLiteral("Drink"), QStringLiteral("00:00"), QString(), {"apple"});
+        store(5, QStringLiteral("50% Whole Wheat_Loaf"), QStringLiteral("Food"), QStringLiteral("00:20"), QString(), {}, QStringLiteral("Breads"));
+        store(6, QStringLiteral("Борщ"), QStringLiteral("Food"), QStringLiteral("02:00"), QString(), {"beet"}, QStringLiteral("Soups"));
+        auto s = window();
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), (QStringList{"50% Whole Wheat_Loaf", "Apple Pie", "banana bread", "Mom's Cherry Pie", "Борщ"}));
+        QCOMPARE(listed(*s, 0).first(), QStringLiteral("0000005"));
+        QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 5"));
+
+        s->txtTitle->setText(QStringLiteral("pie"));
+        s->txtPrepTime->setText(QStringLiteral("00:30"));
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), (QStringList{"Apple Pie", "Mom's Cherry Pie"})); // 00:34 is within the slack
+        s->txtTitle->setText(QStringLiteral("mom's"));
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), QStringList{QStringLiteral("Mom's Cherry Pie")});
+        s->cmdClear_Click();
+        QCOMPARE(s->lblResults->text(), QStringLiteral("Results"));
+        QCOMPARE(s->lvwRecipes->topLevelItemCount(), 0);
+
+        s->txtIngredient->setText(QStringLiteral("APPLE"));
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), (QStringList{"Apple Pie", "banana bread"}));
+        s->txtIngredient->clear();
+        s->cboCategory->setCurrentText(QStringLiteral("bread"));
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), QStringList{QStringLiteral("50% Whole Wheat_Loaf")});
+        s->cboCategory->setCurrentText(QString());
+        s->cboRating->setCurrentText(QStringLiteral("*"));
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), (QStringList{"Apple Pie", "Mom's Cherry Pie"}));
+        s->cboRating->setCurrentText(QString());
+        s->txtTitle->setText(QStringLiteral("50%"));
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), QStringList{QStringLiteral("50% Whole Wheat_Loaf")});
+        s->txtTitle->setText(QStringLiteral("Борщ"));
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), QStringList{QStringLiteral("Борщ")});
+        s->txtTitle->setText(QStringLiteral("x' OR '1'='1"));
+        s->cmdSearch_Click();
+        QCOMPARE(s->lvwRecipes->topLevelItemCount(), 0);
+        QVERIFY(m_boxes->boxes.isEmpty());
+    }
+
+    void onlyNewRecipesTellsWhenNothingIsFound()
+    {
+        store(1, QStringLiteral("Old favourite"));
+        store(2, QStringLiteral("New dish"));
+        gSettings.OnlyNewRecipes = true;
+        gMaxRecipeID = 1;
+        auto s = window();
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), QStringList{QStringLiteral("New dish")});
+        gMaxRecipeID = 2;
+        s->cmdSearch_Click();
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You have the setting checked off to limit the results to only recipes entered after installation.")});
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Confirmation"));
+        QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 0"));
+    }
+
+    void cabinetFilter()
+    {
+        ExecuteSQL("INSERT INTO CABINET VALUES ('apple', 'F', 1)");
+        ExecuteSQL("INSERT INTO CABINET VALUES ('butter', 'F', 1)");
+        ExecuteSQL("INSERT INTO CABINET VALUES ('banana', 'F', 0)");
+        ExecuteSQL("INSERT INTO CABINET VALUES ('cherry', 'D', 1)");
+        store(1, QStringLiteral("Apple Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"apple", "butter", "", "unknown thing"});
+        store(2, QStringLiteral("Banana Bread"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"banana", "apple"});
+        store(3, QStringLiteral("Cherry Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"cherry"});
+        store(4, QStringLiteral("Apple Tart"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"Apple"});
+        QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32>{1, 4}));
+        QVERIFY(IsRecipeAvailable({1, 4, 9}, 4));
+        QVERIFY(!IsRecipeAvailable({1, 4, 9}, 5));
+        QVERIFY(!IsRecipeAvailable({}, 1));
+
+        // Two cabinet rows for one ingredient: satisfied when either is available.
+        ExecuteSQL("INSERT INTO CABINET VALUES ('banana', 'D', 1)");
+        QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32>{1, 4}));
+        auto s = window();
+        s->chkCabinet->setChecked(true);
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s), (QStringList{"Apple Pie", "Apple Tart"}));
+        QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 2"));
+    }
+
+    void typesCategoriesAndTimes()
+    {
+        auto s = window();
+        QCOMPARE(gSubWindows, qint16(1));
+        QCOMPARE(s->windowTitle(), QStringLiteral("Food - Recipe Search"));
+        QVERIFY(s->txtPrepTime->isEnabled());
+        s->cboRecipeType->setCurrentText(QStringLiteral("Other"));
+        s->cboRecipeType_Click();
+        QCOMPARE(gRecipeType, QStringLiteral("Other"));
+        QCOMPARE(s->windowTitle(), QStringLiteral("Other - Recipe Search"));
+        QVERIFY(s->cboCategory->findText(QStringLiteral("Cocktails")) >= 0); // the drink categories
+        QVERIFY(!s->txtPrepTime->isEnabled());
+        QVERIFY(!s->txtCookTime->isEnabled());
+        s->txtCookTime->setText(QStringLiteral("130"));
+        s->txtCookTime_LostFocus();
+        QCOMPARE(s->txtCookTime->text(), QStringLiteral("01:30"));
+        s->txtPrepTime->setText(QStringLiteral("soon"));
+        s->txtPrepTime_LostFocus();
+        QCOMPARE(s->txtPrepTime->text(), QStringLiteral("00:00"));
+        s->txtPrepTime->clear();
+        s->txtPrepTime_LostFocus();
+        QCOMPARE(s->txtPrepTime->text(), QString()); // no limit stays no limit
+        s->close();
+        QCOMPARE(gSubWindows, qint16(0));
+    }
+
+    void orderAndIncrementalFind()
+    {
+        store(3, QStringLiteral("Cake"));
+        store(1, QStringLiteral("Bread"));
+        store(2, QStringLiteral("Apple Pie"));
+        store(4, QStringLiteral("Dumplings"));
+        for (int i = 10; i < 50; ++i) // enough to scroll
+            store(i, QStringLiteral("Zucchini %1").arg(i));
+        auto s = window();
+        s->resize(600, 300);
+        s->cmdSearch_Click();
+        QCOMPARE(listed(*s).mid(0, 5), (QStringList{"Apple Pie", "Bread", "Cake", "Dumplings", "Zucchini 10"}));
+        s->lvwRecipes_ColumnClick();
+        QCOMPARE(listed(*s).mid(0, 4), (QStringList{"Bread", "Apple Pie", "Cake", "Dumplings"}));
+        QCOMPARE(s->lvwRecipes->headerItem()->text(1), QStringLiteral("Recipe Title: Ordered recipes were entered (click to change)"));
+        s->lvwRecipes_ColumnClick();
+        QCOMPARE(listed(*s).mid(0, 4), (QStringList{"Apple Pie", "Bread", "Cake", "Dumplings"}));
+        QCOMPARE(s->lvwRecipes->headerItem()->text(1), QStringLiteral("Recipe Title: Alphabetical order (click to change)"));
+
+        // The complete title of an item brings the following one to the top.
+        s->txtFind->setText(QStringLiteral("bread"));
+        QCOMPARE(s->lvwRecipes->itemAt(2, 2)->text(1), QStringLiteral("Cake"));
+        s->txtFind->setText(QStringLiteral("a"));
+        QCOMPARE(s->lvwRecipes->itemAt(2, 2)->text(1), QStringLiteral("Apple Pie"));
+        SaveScreenshot(s.get(), QStringLiteral("frmSearch"));
+    }
+
+    void deletingTheFirstAndThirdOfThree()
+    {
+        store(1, QStringLiteral("A one"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"x"});
+        store(2, QStringLiteral("B two"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"y"});
+        store(3, QStringLiteral("C three"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"z"});
+        auto s = window();
+        s->cmdSearch_Click();
+        s->cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You must select a recipe to Delete!")});
+        m_boxes->clear();
+        selectRows(*s, {0, 1, 2});
+        m_boxes->answer(MsgResult::Yes);
+        m_boxes->answer(MsgResult::No);
+        m_boxes->answer(MsgResult::Yes);
+        s->cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts().first(), QStringLiteral("Are you sure you want to permanently delete 'A one' from the Pantrio?"));
+        QCOMPARE(listed(*s), QStringList{QStringLiteral("B two")});
+        const Recordset rs = ExecuteSQL("SELECT count(*) FROM RECIPE");
+        QCOMPARE(rs.value(0).toInt(), 1);
+        QCOMPARE(ExecuteSQL("SELECT count(*) FROM INGREDIENTS").value(0).toInt(), 1);
+        QCOMPARE(ExecuteSQL("SELECT recipe_id FROM INGREDIENTS").value(0).toInt(), 2);
+
+        // Declining every confirmation changes nothing.
+        selectRows(*s, {0});
+        m_boxes->answer(MsgResult::No);
+        s->cmdDelete_Click();
+        QCOMPARE(listed(*s), QStringList{QStringLiteral("B two")});
+    }
+
+    void selectionModeHandsBackTheChosenRecipes()
+    {
+        store(7, QStringLiteral("Soup"));
+        store(12, QStringLiteral("Salad"));
+        store(30, QStringLiteral("Stew"));
+        m_boxes->onModal([](QDialog *d) {
+            auto *s = static_cast<frmSearch *>(d);
+            QCOMPARE(s->cmdClose->text(), QStringLiteral("&Select"));
+            QVERIFY(s->cmdEdit->isHidden() && s->cmdView->isHidden() && s->cmdDelete->isHidden());
+            s->cmdSearch_Click();
+            selectRows(*s, {0, 2});
+            s->lvwRecipes_DblClick(); // a double-click selects in this mode
+        });
+        QCOMPARE(ChooseRecipes(), (QStringList{"0000012", "0000030"}));
+        QCOMPARE(gSubWindows, qint16(0));
+    }
+
+    void viewEditAndDoubleClick()
+    {
+        store(2, QStringLiteral("Bread"));
+        auto s = window();
+        s->cmdSearch_Click();
+        s->cmdView_Click();
+        s->cmdEdit_Click();
+        QCOMPARE(m_boxes->prompts(), (QStringList{"You must select a recipe to View/Print!", "You must select a recipe to Edit/Copy!"}));
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
+        selectRows(*s, {0});
+        s->lvwRecipes_DblClick(); // RecipeView is on: view
+        QCOMPARE(m_previews.size(), 1);
+        QCOMPARE(m_previews[0].lines().first().text(), QStringLiteral("Bread"));
+        gSettings.RecipeView = false;
+        s->lvwRecipes_DblClick(); // off: edit
+        frmAdd2 *editor = nullptr;
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (auto *e = qobject_cast<frmAdd2 *>(w))
+                editor = e;
+        QVERIFY(editor);
+        QVERIFY(editor->EditMode);
+        QCOMPARE(editor->RecipeID, 2);
+        QCOMPARE(editor->windowTitle().isEmpty(), false);
+        QCOMPARE(gSubWindows, qint16(2));
+        editor->close();
+    }
+};
+
+QTEST_MAIN(TestSearch)
+#include "test_search.moc"
