@@ -51,7 +51,7 @@ void GenerateRecipeDatabase(const QString &path, int recipes)
         ingredient.prepare(QStringLiteral("INSERT INTO INGREDIENTS VALUES (?, ?, ?, ?, ?, ?)"));
         direction.prepare(QStringLiteral("INSERT INTO DIRECTIONS VALUES (?, ?, ?)"));
         cabinet.prepare(QStringLiteral("INSERT OR IGNORE INTO CABINET VALUES (?, ?, ?)"));
-        for (const QString &item : kItems) {
+        for (const QString &item : kItems + QStringList{QStringLiteral("saffron")}) {
             cabinet.addBindValue(item);
             cabinet.addBindValue(QStringLiteral("F"));
             cabinet.addBindValue(random.bounded(2));
@@ -69,7 +69,7 @@ void GenerateRecipeDatabase(const QString &path, int recipes)
             recipe.addBindValue(id % 3 ? QString() : QStringLiteral("Family favourite."));
             recipe.addBindValue(QString(random.bounded(6), u'*'));
             recipe.exec();
-            const int lines = random.bounded(8, 41);
+            const int lines = random.bounded(4, 17); // about ten, as most recipes have
             for (int line = 1; line <= lines; ++line) {
                 const QString item = pick(random, kItems);
                 ingredient.addBindValue(id);
@@ -80,7 +80,17 @@ void GenerateRecipeDatabase(const QString &path, int recipes)
                 ingredient.addBindValue(item);
                 ingredient.exec();
             }
-            const int steps = random.bounded(4, 21);
+            // A rare ingredient, in one recipe of twelve, for the searches that find a few.
+            if (id % 12 == 0) {
+                ingredient.addBindValue(id);
+                ingredient.addBindValue(lines + 1);
+                ingredient.addBindValue(QStringLiteral("1"));
+                ingredient.addBindValue(QStringLiteral("pinch"));
+                ingredient.addBindValue(QStringLiteral("Saffron threads"));
+                ingredient.addBindValue(QStringLiteral("saffron"));
+                ingredient.exec();
+            }
+            const int steps = random.bounded(3, 11);
             for (int step = 1; step <= steps; ++step) {
                 direction.addBindValue(id);
                 direction.addBindValue(step);

@@ -3,8 +3,8 @@
 
 #include <QString>
 
-// Creates the database file from the shipped schema and fills it with n recipes of 8 to 40
-// ingredients and 4 to 20 directions each, plus the cabinet rows their ingredients name.
+// Creates the database file from the shipped schema and fills it with n recipes of 4 to 16
+// ingredients and 3 to 10 directions each, plus the cabinet rows their ingredients name.
 void GenerateRecipeDatabase(const QString &path, int recipes);
 
 // Prints one figure as "name: value unit", with the goal when there is one.

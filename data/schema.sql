@@ -12,28 +12,31 @@ CREATE TABLE RECIPE (
     notes TEXT COLLATE NOCASE,
     rating TEXT COLLATE NOCASE
 );
+-- Lines are kept in recipe order, one per position: reading a recipe, or walking every
+-- recipe's lines in order, reads them where they lie.
 CREATE TABLE INGREDIENTS (
     recipe_id INTEGER NOT NULL REFERENCES RECIPE(id) ON DELETE CASCADE,
-    ingred_id INTEGER,
+    ingred_id INTEGER NOT NULL,
     amount TEXT COLLATE NOCASE,
     measure TEXT COLLATE NOCASE,
     ingredient TEXT COLLATE NOCASE,
-    cabinet TEXT COLLATE NOCASE
-);
-CREATE INDEX INGREDIENTS_recipe ON INGREDIENTS(recipe_id, ingred_id);
+    cabinet TEXT COLLATE NOCASE,
+    PRIMARY KEY (recipe_id, ingred_id)
+) WITHOUT ROWID;
 CREATE INDEX INGREDIENTS_cabinet ON INGREDIENTS(cabinet);
 CREATE TABLE DIRECTIONS (
     recipe_id INTEGER NOT NULL REFERENCES RECIPE(id) ON DELETE CASCADE,
-    step INTEGER,
-    direction TEXT COLLATE NOCASE
-);
-CREATE INDEX DIRECTIONS_recipe ON DIRECTIONS(recipe_id, step);
+    step INTEGER NOT NULL,
+    direction TEXT COLLATE NOCASE,
+    PRIMARY KEY (recipe_id, step)
+) WITHOUT ROWID;
+-- One item per name and recipe type.
 CREATE TABLE CABINET (
-    item TEXT COLLATE NOCASE,
-    type TEXT COLLATE NOCASE,
+    item TEXT COLLATE NOCASE NOT NULL,
+    type TEXT COLLATE NOCASE NOT NULL,
     available INTEGER NOT NULL DEFAULT 0,
-    UNIQUE (item, type)
-);
+    PRIMARY KEY (item, type)
+) WITHOUT ROWID;
 CREATE TABLE MENU (
     ID INTEGER,
     parent TEXT COLLATE NOCASE,

@@ -20,13 +20,13 @@ QList<qint32> BuildAvailableRecipeList(const QString &recipeType)
 
     // Rows come grouped by recipe, then by ingredient line; a line with several cabinet rows
     // is satisfied when any of them is available, a recipe when all of its lines are.
-    qint64 recipe = rs.value(recipeColumn).toLongLong();
-    qint64 line = rs.value(lineColumn).toLongLong();
+    qint64 recipe = rs.integer(recipeColumn);
+    qint64 line = rs.integer(lineColumn);
     bool lineSatisfied = false;
     bool recipeQualifies = true;
     for (; !rs.eof(); rs.MoveNext()) {
-        const qint64 rowRecipe = rs.value(recipeColumn).toLongLong();
-        const qint64 rowLine = rs.value(lineColumn).toLongLong();
+        const qint64 rowRecipe = rs.integer(recipeColumn);
+        const qint64 rowLine = rs.integer(lineColumn);
         if (rowRecipe != recipe || rowLine != line) {
             recipeQualifies = recipeQualifies && lineSatisfied;
             lineSatisfied = false;
@@ -38,7 +38,7 @@ QList<qint32> BuildAvailableRecipeList(const QString &recipeType)
             recipe = rowRecipe;
             line = rowLine;
         }
-        lineSatisfied = lineSatisfied || rs.value(availableColumn).toInt() != 0;
+        lineSatisfied = lineSatisfied || rs.integer(availableColumn) != 0;
     }
     if (recipeQualifies && lineSatisfied)
         available.append(qint32(recipe));

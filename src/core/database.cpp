@@ -7,6 +7,7 @@
 #include "programdir.h"
 #include "sqldialect.h"
 #include "sqlitefunctions.h"
+#include "statementrunner.h"
 
 #include <QFileInfo>
 #include <QSqlError>
@@ -18,9 +19,6 @@ bool gNotConnected = true;
 qint16 gMaxRecipeID = 0;
 
 namespace {
-
-// SQLite's code for a statement it cannot parse or prepare (syntax, unknown table or column).
-const QString kCommandTextError = QStringLiteral("1");
 
 QString trimSpaces(const QString &text)
 {
@@ -123,23 +121,16 @@ QString PrepareSQL(QString &sql)
 Recordset ExecuteSQL(QString &sql)
 {
     const QString prepared = PrepareSQL(sql);
-    QSqlQuery query(gConn());
-    query.setForwardOnly(true);
-    if (!query.exec(TranslateJetSql(prepared))) {
-        const QSqlError error = query.lastError();
-        if (error.nativeErrorCode() != kCommandTextError) {
-            const QString number =
-                error.nativeErrorCode().isEmpty() ? QStringLiteral("-1") : error.nativeErrorCode();
-            MsgBox(number + QStringLiteral(": ") + error.databaseText() +
-                       QStringLiteral("\n\n") + error.driverText() + QStringLiteral("\n") +
-                       prepared,
-                   Msg::Critical, QStringLiteral("Database Error"));
-        }
-        return Recordset::failure();
+    QSqlDatabase db = gConn();
+    StatementError error;
+    Recordset result = RunStatement(db, TranslateJetSql(prepared, db.driverName() == u"QSQLITE"), &error);
+    if (!error.failed)
+        return result;
+    if (!error.commandText) {
+        MsgBox(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + prepared,
+               Msg::Critical, QStringLiteral("Database Error"));
     }
-    if (!query.isSelect())
-        return {};
-    return Recordset(std::move(query));
+    return Recordset::failure();
 }
 
 Recordset ExecuteSQL(const QString &sql)

@@ -1,10 +1,9 @@
 #include "recordset.h"
 
-Recordset::Recordset(QSqlQuery query)
-    : m_query(std::make_shared<QSqlQuery>(std::move(query)))
+Recordset::Recordset(std::shared_ptr<RecordSource> source)
+    : m_source(std::move(source))
 {
-    m_record = m_query->record();
-    m_onRow = m_query->next();
+    m_onRow = m_source->next();
 }
 
 Recordset Recordset::failure()
@@ -17,19 +16,19 @@ Recordset Recordset::failure()
 void Recordset::MoveNext()
 {
     if (m_onRow)
-        m_onRow = m_query->next();
+        m_onRow = m_source->next();
 }
 
 QVariant Recordset::value(int index) const
 {
-    if (!m_onRow || index < 0 || index >= m_record.count())
+    if (!m_onRow || index < 0 || index >= m_source->count())
         return {};
-    return m_query->value(index);
+    return m_source->value(index);
 }
 
 QVariant Recordset::value(const QString &column) const
 {
-    return value(m_record.indexOf(column));
+    return m_source ? value(m_source->indexOf(column)) : QVariant();
 }
 
 QString Recordset::text(const QString &column) const

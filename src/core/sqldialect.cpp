@@ -4,8 +4,13 @@
 
 namespace {
 
-QString translateCode(QString code)
+QString translateCode(QString code, bool likeFoldsCase)
 {
+    static const QRegularExpression ucaseLike(
+        QStringLiteral("\\bUCASE\\s*\\(\\s*([A-Za-z_][A-Za-z0-9_.]*)\\s*\\)(\\s+LIKE\\b)"),
+        QRegularExpression::CaseInsensitiveOption);
+    if (likeFoldsCase)
+        code.replace(ucaseLike, QStringLiteral("\\1\\2"));
     static const QRegularExpression deleteStar(
         QStringLiteral("\\bDELETE\\s+\\*\\s*FROM\\b"), QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression ucase(QStringLiteral("\\bUCASE\\s*\\("),
@@ -18,7 +23,7 @@ QString translateCode(QString code)
 
 } // namespace
 
-QString TranslateJetSql(const QString &sql)
+QString TranslateJetSql(const QString &sql, bool likeFoldsCase)
 {
     QString result;
     result.reserve(sql.size() + 8);
@@ -28,7 +33,7 @@ QString TranslateJetSql(const QString &sql)
         if (sql[i] != u'\'')
             continue;
         if (!inLiteral) {
-            result += translateCode(sql.mid(start, i - start));
+            result += translateCode(sql.mid(start, i - start), likeFoldsCase);
             start = i;
             inLiteral = true;
         } else if (i + 1 < sql.size() && sql[i + 1] == u'\'') {
@@ -42,6 +47,6 @@ QString TranslateJetSql(const QString &sql)
     if (inLiteral)
         result += QStringView(sql).mid(start);
     else
-        result += translateCode(sql.mid(start));
+        result += translateCode(sql.mid(start), likeFoldsCase);
     return result;
 }

@@ -4,4 +4,6 @@
 
 #include <QString>
 
-QString TranslateJetSql(const QString &sql);
+// With likeFoldsCase (an engine whose LIKE ignores case for every letter), UCASE(column) LIKE
+// becomes column LIKE: the same answer without folding every row first.
+QString TranslateJetSql(const QString &sql, bool likeFoldsCase = false);

@@ -4,5 +4,5 @@
 
 class QSqlDatabase;
 
-// Replaces UPPER on an SQLite connection by one that folds every letter.
+// Replaces UPPER and LIKE on an SQLite connection by ones that fold every letter.
 void InstallTextFunctions(QSqlDatabase &db);

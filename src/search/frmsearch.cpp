@@ -316,7 +316,7 @@ void frmSearch::cmdSearch_Click()
             MsgBox(kOnlyNew, Msg::Information, QStringLiteral("Confirmation"));
         QList<QTreeWidgetItem *> items;
         for (; !gRS.eof(); gRS.MoveNext()) {
-            const qint32 id = gRS.value(0).toInt();
+            const qint32 id = qint32(gRS.integer(0));
             if (cabinetOnly && !IsRecipeAvailable(available, id))
                 continue;
             items.append(new RecipeItem({Format(id, QStringLiteral("0000000")), gRS.text(1)}));

@@ -1,0 +1,17 @@
+#pragma once
+// Running one statement on the engine behind a connection.
+
+#include "recordset.h"
+
+class QSqlDatabase;
+
+struct StatementError {
+    bool failed = false;
+    bool commandText = false; // the engine could not parse or prepare the statement
+    QString number;
+    QString description;
+};
+
+// Runs the statement (already in the engine's dialect). A query answers its rows; any other
+// statement answers no result. On failure the error says why and the result is empty.
+Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error);
