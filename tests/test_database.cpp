@@ -101,6 +101,24 @@ private Q_SLOTS:
         QVERIFY(m_boxes->boxes.isEmpty());
     }
 
+    void everyLetterComparesWithoutRegardToCase()
+    {
+        m_home->createAndOpenDatabase();
+        ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (1, '', 'F', '', 'Crème brûlée', '00:00', '00:00', '', NULL)"));
+        ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (2, '', 'F', '', 'Борщ_50%', '00:00', '00:00', '', '**')"));
+        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE UCASE(A.title) LIKE '%CRÈME%'")), 1);
+        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE UCASE(A.title) LIKE '%БОРЩ%'")), 1);
+        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE 'b_rщ%'")), 0); // "_" is one letter
+        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE '_орщ%'")), 1);
+        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE WHERE UCASE(title) = 'CRÈME BRÛLÉE'")), 1);
+        QCOMPARE(count("SELECT count(*) FROM RECIPE WHERE rating LIKE '%'"), 1); // NULL matches nothing
+        QCOMPARE(count("SELECT count(*) FROM RECIPE WHERE rating LIKE '*%'"), 1);
+        QCOMPARE(TranslateJetSql("SELECT 1 WHERE UCASE(A.title) LIKE '%X%'", true),
+                 QStringLiteral("SELECT 1 WHERE A.title LIKE '%X%'"));
+        QCOMPARE(TranslateJetSql("SELECT 1 WHERE UCASE(A.title) LIKE '%X%'", false),
+                 QStringLiteral("SELECT 1 WHERE UPPER(A.title) LIKE '%X%'"));
+    }
+
     void commandTextErrorsAreSilentOthersAreReported()
     {
         m_home->createAndOpenDatabase();

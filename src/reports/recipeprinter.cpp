@@ -11,6 +11,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextOption>
 
 namespace {
 
@@ -95,6 +96,10 @@ std::unique_ptr<QTextDocument> RecipePrinter::toDocument() const
 {
     auto document = std::make_unique<QTextDocument>();
     document->setUndoRedoEnabled(false);
+    // One tab stop past the longest label ("Prep Time:"), so the values line up.
+    QTextOption option = document->defaultTextOption();
+    option.setTabStopDistance(110);
+    document->setDefaultTextOption(option);
     QTextCursor cursor(document.get());
     bool first = true;
     for (const PrintLine &line : lines()) {
