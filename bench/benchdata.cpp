@@ -1,6 +1,12 @@
 #include "benchdata.h"
 
+#include "core/database.h"
+#include "core/datasources.h"
+#include "core/msgbox.h"
 #include "core/schema.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -102,6 +108,56 @@ void GenerateRecipeDatabase(const QString &path, int recipes)
         db.close();
     }
     QSqlDatabase::removeDatabase(name);
+}
+
+namespace {
+
+class YesResponder : public Responder
+{
+public:
+    MsgResult messageBox(const QString &, MsgStyle style, const QString &) override
+    {
+        return style.buttons == MsgButtons::YesNo ? MsgResult::Yes : MsgResult::Ok;
+    }
+    QString inputBox(const QString &, const QString &, const QString &defaultText) override { return defaultText; }
+    void showModal(QDialog *) override {}
+    void wait(double) override {}
+};
+
+} // namespace
+
+struct BenchHome::Private {
+    QTemporaryDir dir;
+    YesResponder yes;
+};
+
+BenchHome::BenchHome(int recipes)
+    : d(std::make_unique<Private>())
+{
+    qputenv("MIREPAN_HOME", d->dir.path().toUtf8());
+    qputenv("MIREPAN_DATASOURCES", path(QStringLiteral("datasources.ini")).toUtf8());
+    QFile::copy(QCoreApplication::applicationDirPath() + QStringLiteral("/../bin/pantrio.ini"),
+                path(QStringLiteral("pantrio.ini")));
+    const QString database = path(QStringLiteral("PANTRIO.MDB"));
+    GenerateRecipeDatabase(database, recipes);
+    DataSource source;
+    source.name = kDataSourceName;
+    source.database = database;
+    RegisterDataSource(source);
+    if (!OpenDatabase())
+        qFatal("cannot open the benchmark database");
+    SetResponder(&d->yes);
+}
+
+BenchHome::~BenchHome()
+{
+    SetResponder(nullptr);
+    CloseDatabase();
+}
+
+QString BenchHome::path(const QString &name) const
+{
+    return d->dir.filePath(name);
 }
 
 void PrintFigure(const char *name, double value, const char *unit, const char *goal)

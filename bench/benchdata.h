@@ -3,9 +3,25 @@
 
 #include <QString>
 
+#include <memory>
+
 // Creates the database file from the shipped schema and fills it with n recipes of 4 to 16
 // ingredients and 3 to 10 directions each, plus the cabinet rows their ingredients name.
 void GenerateRecipeDatabase(const QString &path, int recipes);
+
+// A program directory with the shipped settings and a generated database, opened as the
+// session's data source for the lifetime of the object; every question is answered Yes.
+class BenchHome
+{
+public:
+    explicit BenchHome(int recipes = 30000);
+    ~BenchHome();
+    QString path(const QString &name) const;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
 
 // Prints one figure as "name: value unit", with the goal when there is one.
 void PrintFigure(const char *name, double value, const char *unit, const char *goal = nullptr);

@@ -15,12 +15,6 @@ class TestDatabase : public QObject
     std::unique_ptr<TestHome> m_home;
     std::unique_ptr<ScriptedResponder> m_boxes;
 
-    int count(const QString &sql)
-    {
-        const Recordset rs = ExecuteSQL(sql);
-        return rs && !rs.eof() ? rs.value(0).toInt() : -1;
-    }
-
 private Q_SLOTS:
     void init()
     {
@@ -89,15 +83,15 @@ private Q_SLOTS:
         rs.MoveNext();
         QVERIFY(rs.eof());
 
-        QCOMPARE(count("SELECT count(*) FROM RECIPE A WHERE TRUE AND UCASE(A.title) LIKE '%APPLE%'"), 1);
-        QCOMPARE(count("SELECT count(*) FROM RECIPE WHERE title = 'MOM''S APPLE PIE'"), 1); // NOCASE
-        QCOMPARE(count("SELECT count(*) FROM CABINET WHERE ('%' & item & '%' LIKE '%onion%')"), 1);
-        QCOMPARE(count("SELECT count(*) FROM CABINET C WHERE C.available = FALSE"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE A WHERE TRUE AND UCASE(A.title) LIKE '%APPLE%'"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE title = 'MOM''S APPLE PIE'"), 1); // NOCASE
+        QCOMPARE(QueryNumber("SELECT count(*) FROM CABINET WHERE ('%' & item & '%' LIKE '%onion%')"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM CABINET C WHERE C.available = FALSE"), 1);
         ExecuteSQL("DELETE * FROM RECIPE WHERE ID = 2");
-        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
         // The lines of a recipe go with it.
         ExecuteSQL("DELETE * FROM RECIPE WHERE ID = 1");
-        QCOMPARE(count("SELECT count(*) FROM INGREDIENTS"), 0);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 0);
         QVERIFY(m_boxes->boxes.isEmpty());
     }
 
@@ -106,13 +100,13 @@ private Q_SLOTS:
         m_home->createAndOpenDatabase();
         ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (1, '', 'F', '', 'Crème brûlée', '00:00', '00:00', '', NULL)"));
         ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (2, '', 'F', '', 'Борщ_50%', '00:00', '00:00', '', '**')"));
-        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE UCASE(A.title) LIKE '%CRÈME%'")), 1);
-        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE UCASE(A.title) LIKE '%БОРЩ%'")), 1);
-        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE 'b_rщ%'")), 0); // "_" is one letter
-        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE '_орщ%'")), 1);
-        QCOMPARE(count(QStringLiteral("SELECT count(*) FROM RECIPE WHERE UCASE(title) = 'CRÈME BRÛLÉE'")), 1);
-        QCOMPARE(count("SELECT count(*) FROM RECIPE WHERE rating LIKE '%'"), 1); // NULL matches nothing
-        QCOMPARE(count("SELECT count(*) FROM RECIPE WHERE rating LIKE '*%'"), 1);
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE UCASE(A.title) LIKE '%CRÈME%'")), 1);
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE UCASE(A.title) LIKE '%БОРЩ%'")), 1);
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE 'b_rщ%'")), 0); // "_" is one letter
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE '_орщ%'")), 1);
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE UCASE(title) = 'CRÈME BRÛLÉE'")), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE rating LIKE '%'"), 1); // NULL matches nothing
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE rating LIKE '*%'"), 1);
         QCOMPARE(TranslateJetSql("SELECT 1 WHERE UCASE(A.title) LIKE '%X%'", true),
                  QStringLiteral("SELECT 1 WHERE A.title LIKE '%X%'"));
         QCOMPARE(TranslateJetSql("SELECT 1 WHERE UCASE(A.title) LIKE '%X%'", false),

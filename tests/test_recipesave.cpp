@@ -15,12 +15,6 @@
 
 namespace {
 
-int count(const QString &sql)
-{
-    const Recordset rs = ExecuteSQL(sql);
-    return rs && !rs.eof() ? rs.value(0).toInt() : -1;
-}
-
 RecipeData sampleRecipe(const QString &title)
 {
     RecipeData r;
@@ -101,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(stored.ingredients[0].ingredient, QStringLiteral("Apples, sliced"));
         QCOMPARE(stored.directions.size(), 1);
         QCOMPARE(stored.directions[0].direction, QStringLiteral("Bake it."));
-        QCOMPARE(count("SELECT type FROM RECIPE WHERE id = 1 AND type = 'F'") >= 0, true);
+        QCOMPARE(QueryNumber("SELECT type FROM RECIPE WHERE id = 1 AND type = 'F'") >= 0, true);
     }
 
     void overwritingReplacesTheLinesAndCloses()
@@ -116,9 +110,9 @@ private Q_SLOTS:
         m_boxes->answer(MsgResult::Yes); // overwrite
         e->cmdSave_Click();
         QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("This will overwrite the current recipe.  Do you wish to continue?"));
-        QCOMPARE(count("SELECT count(*) FROM INGREDIENTS WHERE recipe_id = 5"), 1);
-        QCOMPARE(count("SELECT count(*) FROM DIRECTIONS WHERE recipe_id = 5"), 2);
-        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE recipe_id = 5"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM DIRECTIONS WHERE recipe_id = 5"), 2);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
         QCOMPARE(gSubWindows, qint16(0));
         QTest::qWait(0);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -163,12 +157,12 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Error"));
         QVERIFY(e->SaveAsCopy);
         QVERIFY(e->isVisible());
-        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 1);
-        QCOMPARE(count("SELECT count(*) FROM INGREDIENTS"), 2);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 2);
         // Saving again stores a copy, without the overwrite question.
         e->txtNotes->setPlainText(QStringLiteral("Ask Bob"));
         e->cmdSave_Click();
-        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 2);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 2);
         QCOMPARE(LoadRecipe(5).title, QStringLiteral("Rice"));
     }
 
@@ -195,7 +189,7 @@ private Q_SLOTS:
         e->txtItem->setText(QStringLiteral("Leeks"));
         e->cmdSave_Click();
         QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Please Enter a Short Cabinet Name!")});
-        QCOMPARE(count("SELECT count(*) FROM RECIPE"), 0);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 0);
         QCOMPARE(e->txtTitle->text(), QStringLiteral("Soup"));
     }
 

@@ -1,6 +1,7 @@
 #pragma once
 // Small helpers every window uses on its controls.
 
+#include <QObject>
 #include <QString>
 
 class QComboBox;
@@ -8,6 +9,14 @@ class QLineEdit;
 class QPlainTextEdit;
 class QTreeWidget;
 class QWidget;
+
+// Gives a control its name (the name the product knows it by) and returns it.
+template<typename W>
+W *Named(W *widget, const char *name)
+{
+    widget->setObjectName(QLatin1String(name));
+    return widget;
+}
 
 // Greys a control: disabled, a text or combo box on the button-face colour, a list without
 // selection.

@@ -20,17 +20,6 @@ qint16 gMaxRecipeID = 0;
 
 namespace {
 
-QString trimSpaces(const QString &text)
-{
-    qsizetype first = 0;
-    qsizetype last = text.size();
-    while (first < last && text[first] == u' ')
-        ++first;
-    while (last > first && text[last - 1] == u' ')
-        --last;
-    return text.mid(first, last - first);
-}
-
 bool isRecipeDatabase(QSqlDatabase &db)
 {
     if (db.driverName() != u"QSQLITE")
@@ -97,7 +86,7 @@ void CloseDatabase()
 
 QString PrepareSQL(QString &sql)
 {
-    sql = trimSpaces(sql);
+    sql = Trim(sql);
     if (!sql.startsWith(QStringLiteral("INSERT INTO")))
         return sql;
     // An apostrophe is a delimiter when it touches a comma or a parenthesis; any other is
@@ -111,7 +100,7 @@ QString PrepareSQL(QString &sql)
             continue;
         const QChar before = i > 0 ? sql[i - 1] : QChar();
         const QChar after = i + 1 < n ? sql[i + 1] : QChar();
-        const QString twoBefore = trimSpaces(sql.mid(std::max<qsizetype>(0, i - 2), std::min<qsizetype>(2, i)));
+        const QString twoBefore = Trim(sql.mid(std::max<qsizetype>(0, i - 2), std::min<qsizetype>(2, i)));
         if (before != u'(' && after != u',' && twoBefore != u"," && after != u')')
             out += u'\'';
     }
@@ -166,7 +155,7 @@ qint32 NextId(const QString &table)
 
 QString PrepareSearchText(QString &text)
 {
-    text = trimSpaces(text);
+    text = Trim(text);
     QString prepared = text;
     prepared.replace(u'\'', QStringLiteral("''"));
     return prepared.toUpper();

@@ -197,6 +197,17 @@ qint16 Mul16(qint16 a, qint16 b)
     return checked16(int(a) * int(b));
 }
 
+QString Trim(const QString &text)
+{
+    qsizetype first = 0;
+    qsizetype last = text.size();
+    while (first < last && text[first] == u' ')
+        ++first;
+    while (last > first && text[last - 1] == u' ')
+        --last;
+    return text.mid(first, last - first);
+}
+
 QString Format(qint64 value, const QString &pattern)
 {
     const QString sign = value < 0 ? QStringLiteral("-") : QString();

@@ -49,6 +49,10 @@ qint16 Add16(qint16 a, qint16 b);
 qint16 Sub16(qint16 a, qint16 b);
 qint16 Mul16(qint16 a, qint16 b);
 
+// The text without the spaces at either end (tabs and line breaks stay, as the platform's
+// Trim leaves them).
+QString Trim(const QString &text);
+
 // Number formats used by the program: "00" (at least two digits), "0000000" (seven digits),
 // and "00:00" (hours and minutes from the last two digits: 130 gives 01:30, 12345 123:45).
 QString Format(qint64 value, const QString &pattern);

@@ -8,17 +8,6 @@
 
 namespace {
 
-QString trimSpaces(const QString &text)
-{
-    qsizetype first = 0;
-    qsizetype last = text.size();
-    while (first < last && text[first] == u' ')
-        ++first;
-    while (last > first && text[last - 1] == u' ')
-        --last;
-    return text.mid(first, last - first);
-}
-
 // The largest I in 1..floor(|d|/2) dividing both |n| and |d|; 0 when there is none.
 int commonDivisorUpToHalf(int n, int d)
 {
@@ -46,7 +35,7 @@ QString cFraction::StringValue() const
         text = QString::number(m_wholeNumber);
     if (m_numerator != 0) {
         text += u' ' + QString::number(m_numerator) + u'/' + QString::number(m_denominator);
-        text = trimSpaces(text);
+        text = Trim(text);
     }
     return text;
 }
@@ -56,7 +45,7 @@ void cFraction::setStringValue(const QString &text)
     m_wholeNumber = 0;
     m_denominator = 1;
     m_numerator = 0;
-    const QString s = trimSpaces(text);
+    const QString s = Trim(text);
     QString rest = s;
     const qsizetype space = s.indexOf(u' ');
     if (space >= 0) {

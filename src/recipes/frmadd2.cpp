@@ -27,7 +27,6 @@ const QString kCloseQuestion =
     QStringLiteral("Closing the New Recipe Entry Form will cause you to lose all unsaved data.\n\n"
                    "Do you wish to close anyway?");
 const QString kConfirmation = QStringLiteral("Confirmation");
-const QString kUnset = QStringLiteral("---");
 
 bool seekCategories()
 {

@@ -3,6 +3,8 @@
 
 #include "frmadd2.h"
 
+#include "core/controls.h"
+
 #include <QComboBox>
 #include <QFormLayout>
 #include <QFrame>
@@ -19,16 +21,9 @@
 
 namespace {
 
-template<typename W>
-W *named(W *widget, const char *name)
-{
-    widget->setObjectName(QLatin1String(name));
-    return widget;
-}
-
 QComboBox *newCombo(QWidget *parent, const char *name)
 {
-    auto *combo = named(new QComboBox(parent), name);
+    auto *combo = Named(new QComboBox(parent), name);
     combo->setEditable(true);
     combo->setInsertPolicy(QComboBox::NoInsert);
     combo->setMaxVisibleItems(20);
@@ -37,7 +32,7 @@ QComboBox *newCombo(QWidget *parent, const char *name)
 
 QTreeWidget *newList(QWidget *parent, const char *name)
 {
-    auto *list = named(new QTreeWidget(parent), name);
+    auto *list = Named(new QTreeWidget(parent), name);
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true);
     list->setAllColumnsShowFocus(true);
@@ -62,14 +57,14 @@ void frmAdd2::createControls()
         fraRecipe[i]->setObjectName(QStringLiteral("fraRecipe%1").arg(i));
     }
     QFrame *general = fraRecipe[0];
-    cboRecipeType = named(new QComboBox(general), "cboRecipeType");
-    txtTitle = named(new QLineEdit(general), "txtTitle");
+    cboRecipeType = Named(new QComboBox(general), "cboRecipeType");
+    txtTitle = Named(new QLineEdit(general), "txtTitle");
     cboCategory = newCombo(general, "cboCategory");
-    txtServings = named(new QLineEdit(general), "txtServings");
-    txtPrepTime = named(new QLineEdit(general), "txtPrepTime");
-    txtCookTime = named(new QLineEdit(general), "txtCookTime");
+    txtServings = Named(new QLineEdit(general), "txtServings");
+    txtPrepTime = Named(new QLineEdit(general), "txtPrepTime");
+    txtCookTime = Named(new QLineEdit(general), "txtCookTime");
     cboRating = newCombo(general, "cboRating");
-    txtNotes = named(new QPlainTextEdit(general), "txtNotes");
+    txtNotes = Named(new QPlainTextEdit(general), "txtNotes");
     txtNotes->setTabChangesFocus(true);
     txtNotes->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     for (QLineEdit *time : {txtPrepTime, txtCookTime}) {
@@ -81,31 +76,31 @@ void frmAdd2::createControls()
     lvwIngredients = newList(ingredients, "lvwIngredients");
     cboAmount = newCombo(ingredients, "cboAmount");
     cboMeasure = newCombo(ingredients, "cboMeasure");
-    txtItem = named(new QLineEdit(ingredients), "txtItem");
+    txtItem = Named(new QLineEdit(ingredients), "txtItem");
     cboCabinet = newCombo(ingredients, "cboCabinet");
-    cmdIngAdd = named(new QPushButton(QStringLiteral("&Add"), ingredients), "cmdIngAdd");
-    cmdIngRemove = named(new QPushButton(QStringLiteral("Re&move"), ingredients), "cmdIngRemove");
-    cmdClearIng = named(new QPushButton(QStringLiteral("Clear E&ntry"), ingredients), "cmdClearIng");
+    cmdIngAdd = Named(new QPushButton(QStringLiteral("&Add"), ingredients), "cmdIngAdd");
+    cmdIngRemove = Named(new QPushButton(QStringLiteral("Re&move"), ingredients), "cmdIngRemove");
+    cmdClearIng = Named(new QPushButton(QStringLiteral("Clear E&ntry"), ingredients), "cmdClearIng");
 
     QFrame *directions = fraRecipe[2];
     lvwDirections = newList(directions, "lvwDirections");
-    txtStep = named(new QLineEdit(directions), "txtStep");
+    txtStep = Named(new QLineEdit(directions), "txtStep");
     txtStep->setMaximumWidth(50);
-    txtDirection = named(new QLineEdit(directions), "txtDirection");
-    cmdDirAdd = named(new QPushButton(QStringLiteral("Add Ste&p"), directions), "cmdDirAdd");
-    cmdDirRemove = named(new QPushButton(QStringLiteral("Remove S&tep"), directions), "cmdDirRemove");
-    cmdClearDir = named(new QPushButton(QStringLiteral("Clear Te&xt"), directions), "cmdClearDir");
+    txtDirection = Named(new QLineEdit(directions), "txtDirection");
+    cmdDirAdd = Named(new QPushButton(QStringLiteral("Add Ste&p"), directions), "cmdDirAdd");
+    cmdDirRemove = Named(new QPushButton(QStringLiteral("Remove S&tep"), directions), "cmdDirRemove");
+    cmdClearDir = Named(new QPushButton(QStringLiteral("Clear Te&xt"), directions), "cmdClearDir");
 
-    cmdSave = named(new QPushButton(QStringLiteral("&Save"), this), "cmdSave");
-    cmdSaveAs = named(new QPushButton(QStringLiteral("Save &As"), this), "cmdSaveAs");
-    cmdView = named(new QPushButton(QStringLiteral("&View"), this), "cmdView");
-    cmdResize = named(new QPushButton(QStringLiteral("&Resize Recipe"), this), "cmdResize");
-    cmdClear = named(new QPushButton(QStringLiteral("C&lear"), this), "cmdClear");
-    cmdClose = named(new QPushButton(QStringLiteral("&Close"), this), "cmdClose");
+    cmdSave = Named(new QPushButton(QStringLiteral("&Save"), this), "cmdSave");
+    cmdSaveAs = Named(new QPushButton(QStringLiteral("Save &As"), this), "cmdSaveAs");
+    cmdView = Named(new QPushButton(QStringLiteral("&View"), this), "cmdView");
+    cmdResize = Named(new QPushButton(QStringLiteral("&Resize Recipe"), this), "cmdResize");
+    cmdClear = Named(new QPushButton(QStringLiteral("C&lear"), this), "cmdClear");
+    cmdClose = Named(new QPushButton(QStringLiteral("&Close"), this), "cmdClose");
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(false);
 
-    tabRecipe = named(new QTabBar(this), "tabRecipe");
+    tabRecipe = Named(new QTabBar(this), "tabRecipe");
     tabRecipe->addTab(QStringLiteral("&1 Recipe"));
     tabRecipe->addTab(QStringLiteral("&2 Ingredients"));
     tabRecipe->addTab(QStringLiteral("&3 Directions"));

@@ -22,7 +22,6 @@ const QString kChangeQuestion =
                    "Ingredient.\n\nWould you like to Insert the new ingredient instead?");
 const QString kNothingToRemove = QStringLiteral("There are no items to remove!");
 const QString kRemoveQuestion = QStringLiteral("Are you sure you want to remove this item?");
-const QString kUnset = QStringLiteral("---");
 
 } // namespace
 

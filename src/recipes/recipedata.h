@@ -4,6 +4,9 @@
 #include <QList>
 #include <QString>
 
+// An amount or measure left empty; reports and sums leave it out.
+inline const QString kUnset = QStringLiteral("---");
+
 struct IngredientLine {
     QString number; // two digits, the line's position
     QString amount;

@@ -42,7 +42,7 @@ void frmAdd2::cmdResize_Click()
             cFraction amount;
             for (int i = 0; i < lvwIngredients->topLevelItemCount(); ++i) {
                 QTreeWidgetItem *row = lvwIngredients->topLevelItem(i);
-                if (row->text(1) == u"---")
+                if (row->text(1) == kUnset)
                     continue;
                 amount.setStringValue(row->text(1));
                 if (amount.StringValue().isEmpty())

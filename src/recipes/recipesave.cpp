@@ -23,7 +23,6 @@ const QString kOverwriteQuestion =
 const QString kCopyQuestion =
     QStringLiteral("This will save the current recipe as a copy in the Pantrio.  Do you wish to continue?");
 const QString kSaveFailed = QStringLiteral("There were errors adding the recipe!");
-const QString kUnset = QStringLiteral("---");
 
 } // namespace
 

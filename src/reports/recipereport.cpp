@@ -17,7 +17,6 @@ const QString kFont = QStringLiteral("Courier New");
 const QString kLargeReport =
     QStringLiteral("You have chosen to view/print a large number of recipes.  This may take a while to load.\n"
                    "Would you like to continue?");
-const QString kUnset = QStringLiteral("---");
 const QString kNoTime = QStringLiteral("00:00");
 
 } // namespace

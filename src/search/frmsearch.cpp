@@ -56,13 +56,6 @@ bool seekCategories()
     return gSettings.Seek;
 }
 
-template<typename W>
-W *named(W *widget, const char *name)
-{
-    widget->setObjectName(QLatin1String(name));
-    return widget;
-}
-
 } // namespace
 
 frmSearch::frmSearch(QWidget *parent)
@@ -104,24 +97,24 @@ frmSearch::~frmSearch()
 
 void frmSearch::buildLayout()
 {
-    cboRecipeType = named(new QComboBox(this), "cboRecipeType");
-    txtTitle = named(new QLineEdit(this), "txtTitle");
-    cboCategory = named(new QComboBox(this), "cboCategory");
+    cboRecipeType = Named(new QComboBox(this), "cboRecipeType");
+    txtTitle = Named(new QLineEdit(this), "txtTitle");
+    cboCategory = Named(new QComboBox(this), "cboCategory");
     cboCategory->setEditable(true);
     cboCategory->setInsertPolicy(QComboBox::NoInsert);
-    txtIngredient = named(new QLineEdit(this), "txtIngredient");
-    txtPrepTime = named(new QLineEdit(this), "txtPrepTime");
-    txtCookTime = named(new QLineEdit(this), "txtCookTime");
+    txtIngredient = Named(new QLineEdit(this), "txtIngredient");
+    txtPrepTime = Named(new QLineEdit(this), "txtPrepTime");
+    txtCookTime = Named(new QLineEdit(this), "txtCookTime");
     for (QLineEdit *time : {txtPrepTime, txtCookTime}) {
         time->setMaximumWidth(90);
         time->setPlaceholderText(QStringLiteral("hh:mm"));
     }
-    cboRating = named(new QComboBox(this), "cboRating");
+    cboRating = Named(new QComboBox(this), "cboRating");
     cboRating->setEditable(true);
     cboRating->setInsertPolicy(QComboBox::NoInsert);
-    chkCabinet = named(new QCheckBox(QStringLiteral("Only recipes I can make from my ca&binet"), this), "chkCabinet");
+    chkCabinet = Named(new QCheckBox(QStringLiteral("Only recipes I can make from my ca&binet"), this), "chkCabinet");
 
-    lvwRecipes = named(new QTreeWidget(this), "lvwRecipes");
+    lvwRecipes = Named(new QTreeWidget(this), "lvwRecipes");
     lvwRecipes->setRootIsDecorated(false);
     lvwRecipes->setUniformRowHeights(true);
     lvwRecipes->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -130,16 +123,16 @@ void frmSearch::buildLayout()
     lvwRecipes->setColumnHidden(0, true);
     lvwRecipes->header()->setSectionsClickable(true);
     lvwRecipes->header()->setStretchLastSection(true);
-    lblResults = named(new QLabel(QStringLiteral("Results"), this), "lblResults");
-    txtFind = named(new QLineEdit(this), "txtFind");
+    lblResults = Named(new QLabel(QStringLiteral("Results"), this), "lblResults");
+    txtFind = Named(new QLineEdit(this), "txtFind");
 
-    cmdSearch = named(new QPushButton(QStringLiteral("&Search"), this), "cmdSearch");
+    cmdSearch = Named(new QPushButton(QStringLiteral("&Search"), this), "cmdSearch");
     cmdSearch->setDefault(true);
-    cmdClear = named(new QPushButton(QStringLiteral("Cl&ear"), this), "cmdClear");
-    cmdEdit = named(new QPushButton(QStringLiteral("&Edit/Copy"), this), "cmdEdit");
-    cmdView = named(new QPushButton(QStringLiteral("&View/Print"), this), "cmdView");
-    cmdDelete = named(new QPushButton(QStringLiteral("&Delete"), this), "cmdDelete");
-    cmdClose = named(new QPushButton(kCloseCaption, this), "cmdClose");
+    cmdClear = Named(new QPushButton(QStringLiteral("Cl&ear"), this), "cmdClear");
+    cmdEdit = Named(new QPushButton(QStringLiteral("&Edit/Copy"), this), "cmdEdit");
+    cmdView = Named(new QPushButton(QStringLiteral("&View/Print"), this), "cmdView");
+    cmdDelete = Named(new QPushButton(QStringLiteral("&Delete"), this), "cmdDelete");
+    cmdClose = Named(new QPushButton(kCloseCaption, this), "cmdClose");
     for (QPushButton *button : {cmdClear, cmdEdit, cmdView, cmdDelete, cmdClose})
         button->setAutoDefault(false);
 

@@ -156,6 +156,12 @@ bool FakeShell::openDocument(const QString &path)
     return QFile::exists(path);
 }
 
+int QueryNumber(const QString &sql)
+{
+    const Recordset rs = ExecuteSQL(sql);
+    return rs && !rs.eof() ? rs.value(0).toInt() : -1;
+}
+
 QString ShippedIniPath()
 {
     return QStringLiteral(MIREPAN_SOURCE_DIR "/data/pantrio.ini");

@@ -93,6 +93,8 @@ public:
     QString regVesk;
 };
 
+// The first field of the first row of a query on the session, -1 when there is none.
+int QueryNumber(const QString &sql);
 QString ShippedIniPath();
 QString RegVeskPath();
 QString ReadFile(const QString &path);
