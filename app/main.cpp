@@ -1,7 +1,8 @@
 // Mirepan: a recipe manager for the household.
 
-#include "core/startup.h"
+#include "core/database.h"
 #include "core/frmmain.h"
+#include "core/startup.h"
 #include "registerwindows.h"
 
 #include <QDateTime>
@@ -22,5 +23,8 @@ int main(int argc, char *argv[])
             QCoreApplication::quit();
         });
     }
-    return app.exec();
+    const int result = app.exec();
+    main.reset();
+    CloseDatabase();
+    return result;
 }

@@ -353,6 +353,58 @@ private Q_SLOTS:
         QCOMPARE(e.lvwIngredients->topLevelItemCount(), 1);
     }
 
+    void tabClicksMoveTheFocusOnlyWithTheMouse()
+    {
+        frmAdd2 e;
+        e.TabbedView = true;
+        e.show();
+        e.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&e));
+        e.cmdSave->setFocus();
+        e.tabRecipe->setCurrentIndex(2); // by the program: the focus stays
+        QVERIFY(e.fraRecipe[2]->isVisible());
+        QCOMPARE(QApplication::focusWidget(), e.cmdSave);
+        QTest::mouseClick(e.tabRecipe, Qt::LeftButton, {}, e.tabRecipe->tabRect(1).center());
+        QCOMPARE(e.tabRecipe->currentIndex(), 1);
+        QVERIFY(e.cboAmount->hasFocus());
+        QTest::mouseClick(e.tabRecipe, Qt::LeftButton, {}, e.tabRecipe->tabRect(2).center());
+        QCOMPARE(QApplication::focusWidget(), e.txtDirection);
+    }
+
+    void categoriesCompleteAsTyped()
+    {
+        gSettings.Seek = true;
+        auto e = onePage();
+        e->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(e.get()));
+        e->cboCategory->setFocus();
+        QTest::keyClicks(e->cboCategory, QStringLiteral("des"));
+        QCOMPARE(e->cboCategory->currentText(), QStringLiteral("desserts"));
+        QCOMPARE(e->cboCategory->lineEdit()->selectedText(), QStringLiteral("serts"));
+        QTest::keyClick(e->cboCategory, Qt::Key_Backspace); // deleting never completes
+        QCOMPARE(e->cboCategory->currentText(), QStringLiteral("des"));
+        gSettings.Seek = false;
+        e->cboCategory->setCurrentText(QString());
+        QTest::keyClicks(e->cboCategory, QStringLiteral("Sou"));
+        QCOMPARE(e->cboCategory->currentText(), QStringLiteral("Sou"));
+    }
+
+    void mainWindowOpensEditorsOfTheCurrentType()
+    {
+        gRecipeType = QStringLiteral("Drink");
+        gSettings.StandardAdd = true;
+        QPointer<frmAdd2> e = OpenNewRecipeEditor();
+        QVERIFY(e->isVisible());
+        QVERIFY(!e->TabbedView);
+        QCOMPARE(e->RecipeType, QStringLiteral("Drink"));
+        QCOMPARE(e->cboRecipeType->currentText(), QStringLiteral("Drink"));
+        QVERIFY(!e->EditMode);
+        e->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(e.isNull());
+        QCOMPARE(gSubWindows, qint16(0));
+    }
+
     void cabinetSuggestions()
     {
         QCOMPARE(CabinetSearchForms(QStringLiteral("Onions, chopped")), (QStringList{"Onions", "Onion", "chopped"}));

@@ -95,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(stored.ingredients[0].ingredient, QStringLiteral("Apples, sliced"));
         QCOMPARE(stored.directions.size(), 1);
         QCOMPARE(stored.directions[0].direction, QStringLiteral("Bake it."));
-        QCOMPARE(QueryNumber("SELECT type FROM RECIPE WHERE id = 1 AND type = 'F'") >= 0, true);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE id = 1 AND type = 'F'"), 1);
     }
 
     void overwritingReplacesTheLinesAndCloses()

@@ -47,6 +47,16 @@ bool isTextBox(const QWidget *control)
 
 } // namespace
 
+QComboBox *NewEditableCombo(QWidget *parent, const char *name)
+{
+    auto *combo = Named(new QComboBox(parent), name);
+    combo->setEditable(true);
+    combo->setInsertPolicy(QComboBox::NoInsert);
+    combo->setCompleter(nullptr);
+    combo->setMaxVisibleItems(20);
+    return combo;
+}
+
 void DisableControl(QWidget *control)
 {
     control->setEnabled(false);

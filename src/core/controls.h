@@ -18,6 +18,10 @@ W *Named(W *widget, const char *name)
     return widget;
 }
 
+// An editable combo box whose own completion is off (the type-ahead of InstallSeek decides)
+// and which never adds what is typed to its list.
+QComboBox *NewEditableCombo(QWidget *parent, const char *name);
+
 // Greys a control: disabled, a text or combo box on the button-face colour, a list without
 // selection.
 void DisableControl(QWidget *control);

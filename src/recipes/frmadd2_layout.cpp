@@ -21,15 +21,6 @@
 
 namespace {
 
-QComboBox *newCombo(QWidget *parent, const char *name)
-{
-    auto *combo = Named(new QComboBox(parent), name);
-    combo->setEditable(true);
-    combo->setInsertPolicy(QComboBox::NoInsert);
-    combo->setMaxVisibleItems(20);
-    return combo;
-}
-
 QTreeWidget *newList(QWidget *parent, const char *name)
 {
     auto *list = Named(new QTreeWidget(parent), name);
@@ -59,11 +50,11 @@ void frmAdd2::createControls()
     QFrame *general = fraRecipe[0];
     cboRecipeType = Named(new QComboBox(general), "cboRecipeType");
     txtTitle = Named(new QLineEdit(general), "txtTitle");
-    cboCategory = newCombo(general, "cboCategory");
+    cboCategory = NewEditableCombo(general, "cboCategory");
     txtServings = Named(new QLineEdit(general), "txtServings");
     txtPrepTime = Named(new QLineEdit(general), "txtPrepTime");
     txtCookTime = Named(new QLineEdit(general), "txtCookTime");
-    cboRating = newCombo(general, "cboRating");
+    cboRating = NewEditableCombo(general, "cboRating");
     txtNotes = Named(new QPlainTextEdit(general), "txtNotes");
     txtNotes->setTabChangesFocus(true);
     txtNotes->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -74,10 +65,10 @@ void frmAdd2::createControls()
 
     QFrame *ingredients = fraRecipe[1];
     lvwIngredients = newList(ingredients, "lvwIngredients");
-    cboAmount = newCombo(ingredients, "cboAmount");
-    cboMeasure = newCombo(ingredients, "cboMeasure");
+    cboAmount = NewEditableCombo(ingredients, "cboAmount");
+    cboMeasure = NewEditableCombo(ingredients, "cboMeasure");
     txtItem = Named(new QLineEdit(ingredients), "txtItem");
-    cboCabinet = newCombo(ingredients, "cboCabinet");
+    cboCabinet = NewEditableCombo(ingredients, "cboCabinet");
     cmdIngAdd = Named(new QPushButton(QStringLiteral("&Add"), ingredients), "cmdIngAdd");
     cmdIngRemove = Named(new QPushButton(QStringLiteral("Re&move"), ingredients), "cmdIngRemove");
     cmdClearIng = Named(new QPushButton(QStringLiteral("Clear E&ntry"), ingredients), "cmdClearIng");

@@ -99,9 +99,7 @@ void frmSearch::buildLayout()
 {
     cboRecipeType = Named(new QComboBox(this), "cboRecipeType");
     txtTitle = Named(new QLineEdit(this), "txtTitle");
-    cboCategory = Named(new QComboBox(this), "cboCategory");
-    cboCategory->setEditable(true);
-    cboCategory->setInsertPolicy(QComboBox::NoInsert);
+    cboCategory = NewEditableCombo(this, "cboCategory");
     txtIngredient = Named(new QLineEdit(this), "txtIngredient");
     txtPrepTime = Named(new QLineEdit(this), "txtPrepTime");
     txtCookTime = Named(new QLineEdit(this), "txtCookTime");
@@ -109,9 +107,7 @@ void frmSearch::buildLayout()
         time->setMaximumWidth(90);
         time->setPlaceholderText(QStringLiteral("hh:mm"));
     }
-    cboRating = Named(new QComboBox(this), "cboRating");
-    cboRating->setEditable(true);
-    cboRating->setInsertPolicy(QComboBox::NoInsert);
+    cboRating = NewEditableCombo(this, "cboRating");
     chkCabinet = Named(new QCheckBox(QStringLiteral("Only recipes I can make from my ca&binet"), this), "chkCabinet");
 
     lvwRecipes = Named(new QTreeWidget(this), "lvwRecipes");
