@@ -9,6 +9,7 @@
 #include "core/platform.h"
 #include "core/programdir.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFrame>
@@ -109,8 +110,15 @@ bool frmAdd2::event(QEvent *event)
 {
     if (event->type() == QEvent::Show && !m_loaded)
         Guarded([this] { Form_Load(); });
-    else if (event->type() == QEvent::WindowActivate && m_loaded)
-        Form_Activate();
+    else if (event->type() == QEvent::WindowDeactivate)
+        m_leftForModal = QApplication::activeModalWidget() != nullptr;
+    else if (event->type() == QEvent::WindowActivate && m_loaded) {
+        // Coming back from a message box or the resize dialog is no new activation: the user
+        // stays on the tab the question was about.
+        if (!m_leftForModal)
+            Form_Activate();
+        m_leftForModal = false;
+    }
     return QWidget::event(event);
 }
 

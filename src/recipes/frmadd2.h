@@ -142,6 +142,7 @@ private:
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_tabClickedWithMouse = false;
+    bool m_leftForModal = false;
     QPushButton *m_defaultButton = nullptr;
 };
 
