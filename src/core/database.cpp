@@ -32,6 +32,9 @@ bool isRecipeDatabase(QSqlDatabase &db)
     check.exec(QStringLiteral("PRAGMA foreign_keys = ON"));
     InstallTextFunctions(db);
     check.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
+    // Searches read every line of every recipe: reading the file through a memory map spares
+    // copying each page.
+    check.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
     return true;
 }
 
