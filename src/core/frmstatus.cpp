@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QProgressBar>
+#include <QScreen>
 #include <QVBoxLayout>
 
 namespace {
@@ -40,6 +41,12 @@ void ShowStatus(const QString &message)
     if (!g_status)
         g_status = new frmStatus;
     g_status->lblMessage->setText(message);
+    g_status->adjustSize();
+    // Over the window the user is working in, or the middle of the screen.
+    const QWidget *over = QApplication::activeWindow();
+    const QRect area = over && over != g_status ? over->frameGeometry()
+                                                 : QApplication::primaryScreen()->availableGeometry();
+    g_status->move(area.center() - g_status->rect().center());
     g_status->show();
     g_status->repaint();
 }
