@@ -18,14 +18,11 @@ class TestDatabase : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<TestHome>();
-        m_boxes = std::make_unique<ScriptedResponder>();
+        StartSession(m_home, m_boxes, false);
     }
     void cleanup()
     {
-        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
-        m_boxes.reset();
-        m_home.reset();
+        EndSession(m_home, m_boxes);
     }
 
     void prepareSql_data()

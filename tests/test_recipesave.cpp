@@ -53,18 +53,12 @@ class TestRecipeSave : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<TestHome>();
-        m_home->createAndOpenDatabase();
-        m_boxes = std::make_unique<ScriptedResponder>();
-        gSubWindows = 0;
-        gSettings = AppSettings();
+        StartSession(m_home, m_boxes);
         gSettings.StandardAdd = true;
     }
     void cleanup()
     {
-        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
-        m_boxes.reset();
-        m_home.reset();
+        EndSession(m_home, m_boxes);
     }
 
     void newRecipeGetsIdentifierOneAndTheWindowStaysOpen()

@@ -58,22 +58,15 @@ class TestReport : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<TestHome>();
-        m_home->createAndOpenDatabase();
-        m_boxes = std::make_unique<ScriptedResponder>();
-        gSettings = AppSettings();
+        StartSession(m_home, m_boxes);
         gSettings.Preview = m_home->path("recipes.rtf");
-        gRecipeType = QStringLiteral("Food");
-        gSubWindows = 0;
         m_shown.clear();
         SetPrintPreviewSink([this](const RecipePrinter &p) { m_shown.append(p); });
     }
     void cleanup()
     {
         SetPrintPreviewSink(nullptr);
-        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
-        m_boxes.reset();
-        m_home.reset();
+        EndSession(m_home, m_boxes);
     }
 
     void oneRecipeComposed()

@@ -78,22 +78,14 @@ class TestSearch : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<TestHome>();
-        m_home->createAndOpenDatabase();
-        m_boxes = std::make_unique<ScriptedResponder>();
-        gSubWindows = 0;
-        gRecipeType = QStringLiteral("Food");
-        gSettings = AppSettings();
-        gMaxRecipeID = 0;
+        StartSession(m_home, m_boxes);
         m_previews.clear();
         SetPrintPreviewSink([this](const RecipePrinter &p) { m_previews.append(p); });
     }
     void cleanup()
     {
         SetPrintPreviewSink(nullptr);
-        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
-        m_boxes.reset();
-        m_home.reset();
+        EndSession(m_home, m_boxes);
     }
 
     void exampleQueryText()

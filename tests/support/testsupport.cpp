@@ -1,5 +1,6 @@
 #include "testsupport.h"
 
+#include "core/appstate.h"
 #include "core/database.h"
 #include "core/datasources.h"
 #include "core/schema.h"
@@ -154,6 +155,28 @@ bool FakeShell::openDocument(const QString &path)
 {
     opened.append(path);
     return QFile::exists(path);
+}
+
+void StartSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedResponder> &boxes,
+                  bool withDatabase)
+{
+    home = std::make_unique<TestHome>();
+    if (withDatabase)
+        home->createAndOpenDatabase();
+    boxes = std::make_unique<ScriptedResponder>();
+    gSubWindows = 0;
+    gRecipeType = QStringLiteral("Food");
+    gSettings = AppSettings();
+    gMaxRecipeID = 0;
+}
+
+void EndSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedResponder> &boxes)
+{
+    const bool clean = boxes->clean();
+    const QString report = boxes->report();
+    boxes.reset();
+    home.reset();
+    QVERIFY2(clean, qPrintable(report));
 }
 
 int QueryNumber(const QString &sql)

@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include <functional>
+#include <memory>
 
 struct RecordedBox {
     QString prompt;
@@ -92,6 +93,13 @@ public:
     // When set, programs named reg_vesk run synchronously from this path.
     QString regVesk;
 };
+
+// The start of a window test: a fresh program directory (with an open database unless told
+// otherwise), the program-wide values as at start-up, and the scripted responder.
+void StartSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedResponder> &boxes,
+                  bool withDatabase = true);
+// The end of one: fails the test when a box came unexpected or a scripted answer went unused.
+void EndSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedResponder> &boxes);
 
 // The first field of the first row of a query on the session, -1 when there is none.
 int QueryNumber(const QString &sql);
