@@ -6,30 +6,11 @@
 #include <QApplication>
 #include <cmath>
 #include <QComboBox>
-#include <QEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QTimer>
 #include <QTreeWidget>
 
 namespace {
-
-class SelectAllFilter : public QObject
-{
-public:
-    using QObject::QObject;
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (event->type() == QEvent::FocusIn) {
-            // After the click that gave the focus has placed the cursor.
-            auto *box = static_cast<QLineEdit *>(watched);
-            QTimer::singleShot(0, box, [box] { SelectAllText(box); });
-        }
-        return false;
-    }
-};
 
 void setBoxColours(QWidget *control, const QColor &base, const QColor &text)
 {
@@ -85,11 +66,6 @@ void SelectAllText(QLineEdit *box)
     box->setSelection(0, int(box->text().size()));
 }
 
-void SelectAllOnFocus(QLineEdit *box)
-{
-    box->installEventFilter(new SelectAllFilter(box));
-}
-
 void FillRecipeTypes(QComboBox *combo)
 {
     combo->addItems(RecipeTypes());
@@ -117,17 +93,6 @@ void InstallSeek(QComboBox *combo, bool (*enabled)())
         }
     });
     QObject::connect(edit, &QLineEdit::editingFinished, combo, [typed] { typed->clear(); });
-}
-
-QString ControlText(const QWidget *control)
-{
-    if (auto *line = qobject_cast<const QLineEdit *>(control))
-        return line->text();
-    if (auto *combo = qobject_cast<const QComboBox *>(control))
-        return combo->currentText();
-    if (auto *plain = qobject_cast<const QPlainTextEdit *>(control))
-        return plain->toPlainText();
-    return {};
 }
 
 WaitCursor::WaitCursor()

@@ -31,16 +31,12 @@ void EnableControl(QWidget *control);
 bool HasSelection(const QTreeWidget *list);
 // Selects the whole text of the box.
 void SelectAllText(QLineEdit *box);
-// Makes the box select its whole text whenever it receives the focus.
-void SelectAllOnFocus(QLineEdit *box);
 // Fills a combo box with "Food", "Drink", "Other".
 void FillRecipeTypes(QComboBox *combo);
 // Type-ahead completion of an editable combo box from its own list: typing the start of an
 // entry (without regard to case) completes it, the completed rest selected so that typing
 // goes on. Deleting never completes. Runs only while enabled() says so.
 void InstallSeek(QComboBox *combo, bool (*enabled)());
-// The text of a combo box or line edit (for controls kept generic).
-QString ControlText(const QWidget *control);
 
 // The hourglass pointer for the lifetime of the guard.
 class WaitCursor

@@ -41,7 +41,6 @@ public:
     QString text(int index) const;
     // A whole-number field by position, read without conversions (0 past the end).
     qint64 integer(int index) const { return m_onRow && index >= 0 ? m_source->integer(index) : 0; }
-    int fieldCount() const { return m_source ? m_source->count() : 0; }
     // The position of a column (without regard to case), -1 when absent; for reading many rows.
     int columnIndex(const QString &column) const { return m_source ? m_source->indexOf(column) : -1; }
 

@@ -30,10 +30,11 @@ bool frmAdd2::ValidateDirection()
 void frmAdd2::txtStep_LostFocus()
 {
     const int next = lvwDirections->topLevelItemCount() + 1;
+    // The absolute value of the number; past the end, or 0 (a text without digits too), is
+    // the next step.
     const double number = std::abs(Val(txtStep->text()));
-    const QString text = txtStep->text();
     qint64 step = number > next ? next : qint64(std::round(number));
-    if (text == u"0" || step == 0)
+    if (step == 0)
         step = next;
     txtStep->setText(Format(step, QStringLiteral("00")));
 }
