@@ -7,6 +7,10 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QMap>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QThread>
 #include <QTest>
 
 class TestModIni : public QObject
@@ -18,6 +22,15 @@ class TestModIni : public QObject
 
     void write(const char *text) { WriteFile(m_ini, text); }
     QString contents() const { return ReadFile(m_ini); }
+    static QStringList sectionsOf(const QString &path)
+    {
+        QStringList sections;
+        for (const QString &line : ReadFile(path).split(u'\n')) {
+            if (line.startsWith(u'['))
+                sections.append(line.mid(1, line.indexOf(u']') - 1));
+        }
+        return sections;
+    }
 
 private Q_SLOTS:
     void init()
@@ -140,6 +153,74 @@ private Q_SLOTS:
         WriteIniValue(m_ini, "Amount_Food", "9=nine", true);
         WriteIniValue(m_ini, "Amount_Food", "10=ten", true);
         QCOMPARE(GetIniSection(m_ini, "Amount_Food"), (QStringList{"00=---", "10=ten", "9=nine"}));
+    }
+
+    void headerOnTheLastLineTakesTheKey()
+    {
+        write("[Files]\nPreview=x\n[Misc]");
+        WriteIniValue(m_ini, "Misc", "Seek=True");
+        QCOMPARE(contents(), QStringLiteral("[Files]\nPreview=x\n[Misc]\nSeek=True\n"));
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("True"));
+    }
+
+    void latin1FileIsWrittenBackInLatin1()
+    {
+        // From another system: "Crème brûlée" and "Café" in Latin-1, not valid UTF-8.
+        const QByteArray latin1("[Category_Food]\n00=\n01=Cr\xe8me br\xfbl\xe9\x65\n[Misc]\nSeek=True\n02=Caf\xe9\n");
+        WriteFile(m_ini, latin1);
+        QCOMPARE(GetIniSection(m_ini, "Category_Food").last(), QStringLiteral("01=Crème brûlée"));
+        WriteIniValue(m_ini, "Misc", "Seek=False");
+        QByteArray expected = latin1;
+        expected.replace("Seek=True", "Seek=False");
+        QCOMPARE(ReadBytes(m_ini), expected);
+        // A character Latin-1 cannot hold makes the file UTF-8, every other character kept.
+        WriteIniValue(m_ini, "Category_Food", "02=Борщ", true);
+        QCOMPARE(GetIniSection(m_ini, "Category_Food"), (QStringList{"00=", "01=Crème brûlée", "02=Борщ"}));
+        QCOMPARE(ReadBytes(m_ini), QStringLiteral("[Category_Food]\n00=\n01=Crème brûlée\n02=Борщ\n[Misc]\nSeek=False\n02=Café\n").toUtf8());
+    }
+
+    void byteOrderMarkIsKept()
+    {
+        WriteFile(m_ini, "\xEF\xBB\xBF[Misc]\nSeek=True\n");
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("True"));
+        WriteIniValue(m_ini, "Misc", "Seek=False");
+        QCOMPARE(ReadBytes(m_ini), QByteArray("\xEF\xBB\xBF[Misc]\nSeek=False\n"));
+    }
+
+    void changesOnDiskAreSeen()
+    {
+        // Read once and kept: a file changed by another program must be read again.
+        write("[Misc]\nSeek=True\n");
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("True"));
+        write("[Misc]\nSeek=Fals\n");
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("Fals"));
+        QFile::remove(m_ini);
+        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QString());
+        QCOMPARE(GetIniSection(m_ini, "Misc"), QStringList{QString()});
+    }
+
+    void killedWritesNeverLoseTheSettings()
+    {
+        QFile::copy(ShippedIniPath(), m_ini);
+        QMap<QString, QStringList> before;
+        for (const QString &section : sectionsOf(m_ini))
+            before.insert(section, GetIniSection(m_ini, section));
+        QRandomGenerator random(20261123);
+        for (int kill = 0; kill < 200; ++kill) {
+            QProcess writer;
+            writer.start(QStringLiteral(MIREPAN_INI_WRITER), {m_ini});
+            QVERIFY(writer.waitForReadyRead(10000));
+            QThread::usleep(random.bounded(20000));
+            writer.kill();
+            QVERIFY(writer.waitForFinished(10000));
+            for (auto it = before.cbegin(); it != before.cend(); ++it) {
+                QStringList lines = GetIniSection(m_ini, it.key());
+                if (it.key() == u"Misc") // the writer's own key, either value
+                    lines.replaceInStrings(QStringLiteral("Seek=False"), QStringLiteral("Seek=True"));
+                lines.removeAll(QStringLiteral("06=******"));
+                QVERIFY2(lines == it.value(), qPrintable(QStringLiteral("kill %1, [%2]").arg(kill).arg(it.key())));
+            }
+        }
     }
 
     void deletingAKey()

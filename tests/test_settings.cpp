@@ -1,6 +1,7 @@
 // The settings dialog: loading into memory, saving, resetting and cancelling.
 
 #include "core/appstate.h"
+#include "core/database.h"
 #include "core/modini.h"
 #include "settings/frmsettings.h"
 #include "support/testsupport.h"
@@ -106,6 +107,31 @@ private Q_SLOTS:
         // The new Misc keys land under the next section's header, as every writer does.
         QCOMPARE(GetIniSection(m_home->iniPath(), "Misc"), QStringList{QStringLiteral("Seek=True")});
         QCOMPARE(GetIniValue(m_home->iniPath(), "Rating", "StandardAdd"), QStringLiteral("False"));
+    }
+
+    void everyKeyTheProgramWritesIsShipped()
+    {
+        // Saved three times from the shipped file: each key replaces its own line, is read
+        // back, and nothing piles up.
+        const QStringList shipped = ReadFile(m_home->iniPath()).split(u'\n');
+        for (int round = 1; round <= 3; ++round) {
+            frmSettings dialog;
+            dialog.txtTransfer->setText(QStringLiteral("/media/usb/transfer%1.txt").arg(round));
+            dialog.txtFilename->setText(QStringLiteral("/home/cook/recipes%1.rtf").arg(round));
+            dialog.txtDatabase->setText(QStringLiteral("/media/usb/PANTRIO%1.MDB").arg(round));
+            dialog.cmdClose_Click();
+        }
+        RecordMaxRecipeID();
+        frmSettings reopened;
+        QCOMPARE(reopened.txtTransfer->text(), QStringLiteral("/media/usb/transfer3.txt"));
+        QCOMPARE(reopened.txtFilename->text(), QStringLiteral("/home/cook/recipes3.rtf"));
+        QCOMPARE(reopened.txtDatabase->text(), QStringLiteral("/media/usb/PANTRIO3.MDB"));
+        const QStringList saved = ReadFile(m_home->iniPath()).split(u'\n');
+        QCOMPARE(saved.size(), shipped.size());
+        for (qsizetype i = 0; i < saved.size(); ++i) {
+            if (saved[i] != shipped[i]) // only the three file names changed, in place
+                QVERIFY2(shipped[i].endsWith(u'=') && saved[i].startsWith(shipped[i]), qPrintable(saved[i]));
+        }
     }
 
     void resetThenCancelLeavesTheFileUnchanged()

@@ -4,8 +4,10 @@
 //
 // A line beginning with "[" opens a section named by the text up to the first "]"; a key line
 // is key=value split at the first "="; names compare case-sensitively; nothing is trimmed.
-// Readers skip empty lines, writers copy them. Every write rewrites the file through the
-// temporary "copytest.ini" in the current directory and renames it over the original.
+// Readers skip empty lines, writers copy them. Every write composes the whole file as
+// "copytest.ini" beside it and renames that over the original in one step, so the settings
+// survive a program killed at any moment. A file that is not UTF-8 is read as Latin-1 and
+// written back in Latin-1. A file is read once and read again only when it changes on disk.
 
 #include <QString>
 #include <QStringList>

@@ -1,6 +1,7 @@
 #include "testsupport.h"
 
 #include "core/appstate.h"
+#include "core/atomicfile.h"
 #include "core/database.h"
 #include "core/datasources.h"
 #include "core/schema.h"
@@ -195,20 +196,21 @@ QString RegVeskPath()
     return QStringLiteral(MIREPAN_REG_VESK);
 }
 
-QString ReadFile(const QString &path)
+QByteArray ReadBytes(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(file.readAll());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString ReadFile(const QString &path)
+{
+    return QString::fromUtf8(ReadBytes(path));
 }
 
 void WriteFile(const QString &path, const QByteArray &data)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        qFatal("cannot write %s", qPrintable(path));
-    file.write(data);
+    // Through a copy, as an editor saves: a file read a moment ago is seen to have changed.
+    ReplaceFile(path, data);
 }
 
 void ScriptedResponder::wait(double seconds)

@@ -106,6 +106,7 @@ int QueryNumber(const QString &sql);
 QString ShippedIniPath();
 QString RegVeskPath();
 QString ReadFile(const QString &path);
+QByteArray ReadBytes(const QString &path);
 void WriteFile(const QString &path, const QByteArray &data);
 
 // Saves a picture of the widget under $MIREPAN_SCREENSHOTS (when set) for a look by eye.
