@@ -116,6 +116,11 @@ private Q_SLOTS:
         QVERIFY(!ExecuteSQL("SELEC nonsense FROM"));
         QVERIFY(!ExecuteSQL("SELECT nosuchcolumn FROM RECIPE"));
         QVERIFY(!ExecuteSQL("UPDATE RECIPE SET rating = 'Mom's'"));
+        // Text after the statement's end fails the whole statement instead of being dropped.
+        QVERIFY(ExecuteSQL("INSERT INTO DIRECTIONS VALUES (1, 1, 'Add (see 'Basics'); stir well')").failed());
+        QVERIFY(ExecuteSQL("DELETE FROM CABINET; DELETE FROM MENU").failed());
+        QCOMPARE(QueryNumber("SELECT count(*) FROM DIRECTIONS"), 0);
+        QVERIFY(!ExecuteSQL("SELECT count(*) FROM DIRECTIONS;  ").failed());
         QVERIFY(m_boxes->boxes.isEmpty());
 
         ExecuteSQL("INSERT INTO CABINET VALUES ('salt', 'F', 0)");

@@ -87,24 +87,25 @@ void CloseDatabase()
     gNotConnected = true;
 }
 
+bool IsDelimiterApostrophe(const QString &sql, qsizetype i)
+{
+    const QChar before = i > 0 ? sql[i - 1] : QChar();
+    const QChar after = i + 1 < sql.size() ? sql[i + 1] : QChar();
+    const QString twoBefore = Trim(sql.mid(std::max<qsizetype>(0, i - 2), std::min<qsizetype>(2, i)));
+    return before == u'(' || after == u',' || twoBefore == u"," || after == u')';
+}
+
 QString PrepareSQL(QString &sql)
 {
     sql = Trim(sql);
     if (!sql.startsWith(QStringLiteral("INSERT INTO")))
         return sql;
-    // An apostrophe is a delimiter when it touches a comma or a parenthesis; any other is
-    // part of a value and is doubled.
     QString out;
     out.reserve(sql.size() + 8);
     const qsizetype n = sql.size();
     for (qsizetype i = 0; i < n; ++i) {
         out += sql[i];
-        if (sql[i] != u'\'')
-            continue;
-        const QChar before = i > 0 ? sql[i - 1] : QChar();
-        const QChar after = i + 1 < n ? sql[i + 1] : QChar();
-        const QString twoBefore = Trim(sql.mid(std::max<qsizetype>(0, i - 2), std::min<qsizetype>(2, i)));
-        if (before != u'(' && after != u',' && twoBefore != u"," && after != u')')
+        if (sql[i] == u'\'' && !IsDelimiterApostrophe(sql, i))
             out += u'\'';
     }
     return out;
@@ -119,7 +120,10 @@ Recordset ExecuteSQL(QString &sql)
     if (!error.failed)
         return result;
     if (!error.commandText) {
-        MsgBox(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + prepared,
+        // The statement as detail, cut short: a box must stay readable whatever was typed.
+        constexpr qsizetype kShown = 600;
+        const QString detail = prepared.size() > kShown ? prepared.left(kShown) + QStringLiteral("...") : prepared;
+        MsgBox(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + detail,
                Msg::Critical, QStringLiteral("Database Error"));
     }
     return Recordset::failure();

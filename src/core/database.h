@@ -29,6 +29,9 @@ Recordset ExecuteSQL(const QString &sql);
 // Trims the statement (the caller's text too) and, for an INSERT, doubles the apostrophes
 // inside its quoted values.
 QString PrepareSQL(QString &sql);
+// Whether the apostrophe at position i of an INSERT is taken for a delimiter of a quoted value:
+// one that touches a comma or a parenthesis is; any other is part of a value and is doubled.
+bool IsDelimiterApostrophe(const QString &sql, qsizetype i);
 // Records the highest recipe identifier of the first start as [Misc] MaxRecipeID.
 void RecordMaxRecipeID();
 // The largest id of the table plus one; 1 for an empty table.

@@ -105,30 +105,53 @@ sqlite3 *sqliteHandle(QSqlDatabase &db)
     return *static_cast<sqlite3 *const *>(handle.data());
 }
 
-Recordset fail(StatementError *error, sqlite3 *connection, int code)
+// A statement the engine could not prepare is an error in the command text; one that fails
+// while it runs (a constraint, a full disk, a LIKE pattern too long) is reported.
+Recordset fail(StatementError *error, sqlite3 *connection, int code, bool preparing)
 {
     error->failed = true;
-    error->commandText = (code & 0xff) == kCommandTextError;
+    error->commandText = preparing && (code & 0xff) == kCommandTextError;
     error->number = QString::number(code);
     error->description = QString::fromUtf8(sqlite3_errmsg(connection));
     return {};
+}
+
+// The engine reads one statement and ignores what follows it. Text after the end is an
+// error, as it is for the statements' own dialect: otherwise a value whose apostrophe was
+// taken for the end of the text would be stored cut short without a word.
+bool onlyBlanks(const char *text, const char *end)
+{
+    for (; text < end; ++text) {
+        if (*text != ' ' && *text != '\t' && *text != '\r' && *text != '\n' && *text != ';')
+            return false;
+    }
+    return true;
 }
 
 Recordset runOnSqlite(sqlite3 *connection, const QString &sql, StatementError *error)
 {
     const QByteArray utf8 = sql.toUtf8();
     sqlite3_stmt *statement = nullptr;
-    int result = sqlite3_prepare_v2(connection, utf8.constData(), int(utf8.size()), &statement, nullptr);
+    const char *tail = nullptr;
+    int result = sqlite3_prepare_v2(connection, utf8.constData(), int(utf8.size()), &statement, &tail);
     if (result != SQLITE_OK) {
         sqlite3_finalize(statement);
-        return fail(error, connection, sqlite3_extended_errcode(connection));
+        return fail(error, connection, sqlite3_extended_errcode(connection), true);
     }
     if (!statement) // nothing but blanks or a comment
         return {};
+    if (tail && !onlyBlanks(tail, utf8.constData() + utf8.size())) {
+        sqlite3_finalize(statement);
+        error->failed = true;
+        error->commandText = true;
+        error->number = QString::number(kCommandTextError);
+        error->description = QStringLiteral("Characters found after end of SQL statement.");
+        return {};
+    }
     result = sqlite3_step(statement);
     if (result != SQLITE_ROW && result != SQLITE_DONE) {
         const int code = sqlite3_extended_errcode(connection);
-        Recordset failed = fail(error, connection, code);
+        Recordset failed = fail(error, connection, code, false);
         sqlite3_finalize(statement);
         return failed;
     }

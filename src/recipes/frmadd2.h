@@ -113,7 +113,8 @@ public Q_SLOTS:
     void cmdSave_Click();
     void cmdSaveAs_Click();
     bool ValidateRecipe(bool showMessages);
-    bool SaveRecipe();
+    // Stores the recipe in the window; on failure, problem (when given) says which text and why.
+    bool SaveRecipe(QString *problem = nullptr);
     // Resizing and viewing.
     void cmdResize_Click();
     void cmdView_Click();

@@ -10,7 +10,89 @@ QString q(const QString &text)
     return QStringLiteral("', '") + text;
 }
 
+struct NamedText {
+    QString name; // as the user knows the field
+    QString text;
+};
+
+// Every text the recipe stores, named for a message, in the order the statements store them.
+QList<NamedText> storedTexts(const RecipeData &r)
+{
+    QList<NamedText> texts{{QStringLiteral("The servings"), r.servings},
+                           {QStringLiteral("The category"), r.category},
+                           {QStringLiteral("The title"), r.title},
+                           {QStringLiteral("The preparation time"), r.prepTime},
+                           {QStringLiteral("The cooking time"), r.cookTime},
+                           {QStringLiteral("The notes"), r.notes},
+                           {QStringLiteral("The rating"), r.rating}};
+    for (const IngredientLine &line : r.ingredients) {
+        const QString of = QStringLiteral(" of ingredient line ") + line.number;
+        texts.append({QStringLiteral("The amount") + of, line.amount});
+        texts.append({QStringLiteral("The measure") + of, line.measure});
+        texts.append({QStringLiteral("The ingredient") + of, line.ingredient});
+        texts.append({QStringLiteral("The cabinet name") + of, line.cabinet});
+    }
+    for (const DirectionLine &line : r.directions)
+        texts.append({QStringLiteral("Direction ") + line.step, line.direction});
+    return texts;
+}
+
+// The line numbers as the database keeps them: whole numbers.
+QList<qint64> lineNumbers(const RecipeData &r)
+{
+    QList<qint64> numbers;
+    for (const IngredientLine &line : r.ingredients)
+        numbers.append(qint64(Val(line.number)));
+    for (const DirectionLine &line : r.directions)
+        numbers.append(-qint64(Val(line.step)));
+    return numbers;
+}
+
+// A few characters either side of position at, to show the user where the trouble is.
+QString excerpt(const QString &text, qsizetype at)
+{
+    const qsizetype from = std::max<qsizetype>(0, at - 8);
+    const qsizetype to = std::min<qsizetype>(text.size(), at + 9);
+    return (from > 0 ? QStringLiteral("...") : QString()) + text.mid(from, to - from) +
+           (to < text.size() ? QStringLiteral("...") : QString());
+}
+
+// What differs between the recipe meant and the recipe stored; "" when they are equal.
+QString difference(const RecipeData &meant, const RecipeData &stored)
+{
+    if (!stored.exists || stored.recipeType != meant.recipeType)
+        return QStringLiteral("The recipe was not stored as it stands on screen, so nothing was saved.");
+    if (lineNumbers(stored) != lineNumbers(meant))
+        return QStringLiteral("The ingredient lines or directions were not stored as they stand on screen, so "
+                              "nothing was saved.");
+    const QList<NamedText> want = storedTexts(meant);
+    const QList<NamedText> got = storedTexts(stored);
+    for (qsizetype i = 0; i < want.size(); ++i) {
+        if (want[i].text != got[i].text)
+            return want[i].name + QStringLiteral(" would not be stored as it stands on screen, so nothing was saved.");
+    }
+    return {};
+}
+
 } // namespace
+
+QString UnstorableText(const RecipeData &recipe)
+{
+    // Each text as it stands between the delimiters of an INSERT.
+    const QString prefix = QStringLiteral("INSERT INTO T VALUES (0, '");
+    for (const NamedText &field : storedTexts(recipe)) {
+        const QString statement = prefix + field.text + QStringLiteral("')");
+        for (qsizetype k = field.text.indexOf(u'\''); k >= 0; k = field.text.indexOf(u'\'', k + 1)) {
+            if (IsDelimiterApostrophe(statement, prefix.size() + k)) {
+                return field.name + QStringLiteral(" cannot be stored as it stands: the apostrophe in \"") +
+                       excerpt(field.text, k) +
+                       QStringLiteral("\" touches a comma or a parenthesis and would end the text there. "
+                                      "Change the text around that apostrophe and save again.");
+            }
+        }
+    }
+    return {};
+}
 
 QStringList RecipeInsertStatements(const RecipeData &r, qint32 id)
 {
@@ -33,22 +115,30 @@ QStringList RecipeInsertStatements(const RecipeData &r, qint32 id)
     return statements;
 }
 
-bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace)
+bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem)
 {
     StatementBatch batch;
+    const auto refuse = [&](const QString &why) {
+        batch.fail();
+        if (problem)
+            *problem = why;
+        return false;
+    };
     if (replace) {
         gSQL = QStringLiteral("DELETE * FROM RECIPE WHERE ID = ") + QString::number(id);
-        if (ExecuteSQL(gSQL).failed()) {
-            batch.fail();
-            return false;
-        }
+        if (ExecuteSQL(gSQL).failed())
+            return refuse({});
     }
     for (const QString &statement : RecipeInsertStatements(recipe, id)) {
         gSQL = statement;
-        if (ExecuteSQL(gSQL).failed()) {
-            batch.fail();
-            return false;
-        }
+        if (ExecuteSQL(gSQL).failed())
+            return refuse(UnstorableText(recipe));
+    }
+    // A statement can succeed and still store another text than the one meant (an apostrophe
+    // taken for a delimiter shifts the values): what was stored is checked before the commit.
+    if (const QString differs = difference(recipe, LoadRecipe(id)); !differs.isEmpty()) {
+        const QString known = UnstorableText(recipe);
+        return refuse(known.isEmpty() ? differs : known);
     }
     return true;
 }

@@ -8,7 +8,12 @@
 // The INSERT statements that store the recipe under the identifier, in order.
 QStringList RecipeInsertStatements(const RecipeData &recipe, qint32 id);
 // Stores the recipe under the identifier; with replace, the stored recipe of that identifier
-// (and so its lines) is deleted first. All or nothing: false when any statement failed.
-bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace);
+// (and so its lines) is deleted first. All or nothing: the stored recipe is read back before
+// the commit, and when any statement failed or any text differs from the recipe given,
+// nothing is kept, false is returned and problem (when given) says which text and why.
+bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem = nullptr);
+// Why a recipe cannot be stored as it stands, naming the text; "" when nothing is known.
+// An apostrophe that touches a comma or a parenthesis is taken for the end of its text.
+QString UnstorableText(const RecipeData &recipe);
 // Reads a stored recipe; a missing one reads as empty fields and no lines.
 RecipeData LoadRecipe(qint32 id);

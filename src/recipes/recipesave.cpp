@@ -74,8 +74,10 @@ void frmAdd2::cmdSave_Click()
             MsgBox(kOverwriteQuestion, Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
             return;
         const QString title = txtTitle->text();
-        if (!SaveRecipe()) {
-            MsgBox(kSaveFailed, Msg::Ok, QStringLiteral("Error"));
+        QString problem;
+        if (!SaveRecipe(&problem)) {
+            MsgBox(problem.isEmpty() ? kSaveFailed : kSaveFailed + QStringLiteral("\n\n") + problem, Msg::Ok,
+                   QStringLiteral("Error"));
             return;
         }
         {
@@ -99,10 +101,10 @@ void frmAdd2::cmdSaveAs_Click()
     cmdSave->click();
 }
 
-bool frmAdd2::SaveRecipe()
+bool frmAdd2::SaveRecipe(QString *problem)
 {
     WaitCursor busy;
     const bool copy = !EditMode || SaveAsCopy;
     const qint32 id = copy ? NextId(QStringLiteral("RECIPE")) : RecipeID;
-    return StoreRecipe(CurrentRecipe(), id, !copy);
+    return StoreRecipe(CurrentRecipe(), id, !copy, problem);
 }
