@@ -259,6 +259,7 @@ private Q_SLOTS:
         QTest::newRow("negative") << "-2" << "02";
         QTest::newRow("words") << "x" << "04";
         QTest::newRow("within") << "3" << "03";
+        QTest::newRow("one digit") << "2" << "02";
     }
     void stepNumbersOnLeaving()
     {
@@ -270,6 +271,17 @@ private Q_SLOTS:
         e->txtStep->setText(typed);
         e->txtStep_LostFocus();
         QCOMPARE(e->txtStep->text(), shown);
+
+        // Added without leaving the box (Alt+S straight after typing): the same rule, so an
+        // existing step is asked about instead of stored twice.
+        e->txtStep->setText(typed);
+        const bool existing = shown != u"04";
+        if (existing)
+            m_boxes->answer(MsgResult::No); // overwrite
+        addStep(*e, QStringLiteral("Rest"));
+        const QStringList numbers = existing ? QStringList{"01", "02", "03"} : QStringList{"01", "02", "03", "04"};
+        QCOMPARE(column(e->lvwDirections, 0), numbers);
+        QCOMPARE(column(e->lvwDirections, 1).at(shown.toInt() - 1), QStringLiteral("Rest"));
     }
 
     void directionsAddInsertOverwriteRemove()

@@ -93,6 +93,24 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE id = 1 AND type = 'F'"), 1);
     }
 
+    void clicksDuringTheSavedNoticeDoNothing()
+    {
+        auto e = newEditor();
+        e->txtTitle->setText(QStringLiteral("Soup"));
+        m_boxes->duringWait = [&] {
+            QTest::mouseClick(e->cmdSave, Qt::LeftButton);
+            QTest::keyClick(e.get(), Qt::Key_S, Qt::AltModifier);
+            QTest::keyClick(e->txtTitle, Qt::Key_Return);
+        };
+        e->cmdSave_Click();
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
+        QCOMPARE(m_boxes->statusAtWait.size(), 1);
+        QVERIFY(m_boxes->boxes.isEmpty());
+        // Afterwards the window takes input again.
+        QTest::keyClicks(e->txtTitle, QStringLiteral("Stew"));
+        QCOMPARE(e->txtTitle->text(), QStringLiteral("Stew"));
+    }
+
     void overwritingReplacesTheLinesAndCloses()
     {
         QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));

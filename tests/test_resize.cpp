@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QRadioButton>
+#include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -159,10 +160,31 @@ private Q_SLOTS:
         QCOMPARE(e->txtServings->text(), QStringLiteral("6 Servings"));
     }
 
+    void cancelChangesNothing_data()
+    {
+        QTest::addColumn<int>("how");
+        QTest::newRow("Cancel") << 0;
+        QTest::newRow("Escape") << 1;
+        QTest::newRow("frame") << 2;
+    }
     void cancelChangesNothing()
     {
+        QFETCH(int, how);
         auto e = editorWith(QStringLiteral("4"), {"1/2"});
-        m_boxes->onModal([](QDialog *d) { static_cast<frmResize *>(d)->cmdCancel_Click(); });
+        m_boxes->onModal([how](QDialog *d) {
+            auto *dialog = static_cast<frmResize *>(d);
+            // Left with a factor that must never be used: 3/0.
+            dialog->optResize[1]->click();
+            dialog->txtNewServings->setText(QStringLiteral("3"));
+            dialog->txtOrigServings->setText(QStringLiteral("0"));
+            if (how == 0)
+                QTest::mouseClick(dialog->cmdCancel, Qt::LeftButton);
+            else if (how == 1)
+                QTest::keyClick(dialog->txtNewServings, Qt::Key_Escape);
+            else
+                dialog->close();
+            QVERIFY(dialog->Cancel);
+        });
         e->cmdResize_Click();
         QCOMPARE(amounts(*e), QStringList{QStringLiteral("1/2")});
         QCOMPARE(e->txtNotes->toPlainText(), QString());

@@ -92,8 +92,50 @@ void ShowModal(QDialog *dialog)
     dialog->exec();
 }
 
+namespace {
+
+// What the user does while the program waits is dropped, as on the original platform's modal
+// sleep: a click on Save during the " has been saved!" notice must not save again, and a
+// window must not be closed under a command that is still running.
+class UserInputBlock : public QObject
+{
+public:
+    UserInputBlock() { QCoreApplication::instance()->installEventFilter(this); }
+    ~UserInputBlock() override { QCoreApplication::instance()->removeEventFilter(this); }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (!event->spontaneous())
+            return QObject::eventFilter(watched, event);
+        switch (event->type()) {
+        case QEvent::ShortcutOverride:
+            event->accept(); // claimed, so that no shortcut fires either
+            return true;
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::Shortcut:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::Wheel:
+        case QEvent::ContextMenu:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::TabletPress:
+        case QEvent::Close:
+            return true;
+        default:
+            return QObject::eventFilter(watched, event);
+        }
+    }
+};
+
+} // namespace
+
 void Wait(double seconds)
 {
+    const UserInputBlock block;
     if (g_responder) {
         g_responder->wait(seconds);
         return;

@@ -37,7 +37,8 @@ MsgResult MsgBox(const QString &prompt, MsgStyle style = Msg::Ok, const QString 
 QString InputBox(const QString &prompt, const QString &title = {}, const QString &defaultText = {});
 // Shows a dialog modally and returns when it has been hidden.
 void ShowModal(QDialog *dialog);
-// Waits the given seconds while the windows keep painting.
+// Waits the given seconds while the windows keep painting; the user's clicks and keys
+// meanwhile are dropped.
 void Wait(double seconds);
 
 class Responder

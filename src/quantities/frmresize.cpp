@@ -191,9 +191,8 @@ void frmResize::cmdCancel_Click()
     hide();
 }
 
-void frmResize::closeEvent(QCloseEvent *event)
+void frmResize::reject()
 {
-    // Closing by the frame is a Cancel.
     cmdCancel_Click();
-    event->accept();
+    QDialog::reject();
 }

@@ -43,7 +43,8 @@ public Q_SLOTS:
 
 protected:
     bool event(QEvent *event) override;
-    void closeEvent(QCloseEvent *event) override;
+    // Escape and the window frame leave the dialog as Cancel does.
+    void reject() override;
 
 private:
     bool m_loaded = false;

@@ -45,10 +45,13 @@ void frmAdd2::cmdDirAdd_Click()
         return;
     if (!ValidateDirection())
         return;
-    const QString step = Format(qint64(Val(txtStep->text())), QStringLiteral("00"));
+    // A number typed and not left yet (Enter, Alt+S) follows the rule of leaving the box, so
+    // that it is compared with the steps as they are numbered.
+    txtStep_LostFocus();
+    const QString step = txtStep->text();
     int found = -1;
     for (int i = 0; i < lvwDirections->topLevelItemCount(); ++i) {
-        if (lvwDirections->topLevelItem(i)->text(0) == txtStep->text()) {
+        if (lvwDirections->topLevelItem(i)->text(0) == step) {
             found = i;
             break;
         }

@@ -16,6 +16,8 @@
 #include <QProcess>
 #include <QTest>
 
+#include <utility>
+
 ScriptedResponder::ScriptedResponder()
 {
     SetResponder(this);
@@ -218,6 +220,8 @@ void ScriptedResponder::wait(double seconds)
     m_waited += seconds;
     if (frmStatus *status = StatusWindow())
         statusAtWait.append(status->lblMessage->text());
+    if (duringWait)
+        std::exchange(duringWait, nullptr)(); // once: what it starts may wait again
 }
 
 void SaveScreenshot(QWidget *widget, const QString &name)

@@ -31,6 +31,8 @@ public:
     void answerInput(const QString &text) { m_inputs.enqueue(text); }
     // What to do with the next modal dialog (fill it, press its buttons); it must hide it.
     void onModal(std::function<void(QDialog *)> handler) { m_modals.enqueue(std::move(handler)); }
+    // What the user does during the next wait (clicks, keys).
+    std::function<void()> duringWait;
 
     MsgResult messageBox(const QString &prompt, MsgStyle style, const QString &title) override;
     QString inputBox(const QString &prompt, const QString &title, const QString &defaultText) override;
