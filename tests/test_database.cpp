@@ -156,23 +156,62 @@ private Q_SLOTS:
 
     void failedOpens()
     {
-        // Not registered.
-        QVERIFY(!OpenDatabase());
+        OpenFailure failure;
+        QVERIFY(!OpenDatabase(&failure));
+        QCOMPARE(failure.kind, OpenFailure::NotRegistered);
         QVERIFY(gNotConnected);
-        // Registered, but the directory is missing.
+        // Registered, but the directory is missing: never created.
         m_home->registerDatabase(m_home->path("gone/PANTRIO.MDB"));
-        QVERIFY(!OpenDatabase());
+        QVERIFY(!OpenDatabase(&failure));
+        QCOMPARE(failure.kind, OpenFailure::Missing);
+        QCOMPARE(failure.file, m_home->path("gone/PANTRIO.MDB"));
         QVERIFY(!QFile::exists(m_home->path("gone")));
-        // An old file of another program, and garbage.
-        WriteFile(m_home->databasePath(), QByteArray("Standard Jet DB\0\0\0garbage", 26) + QByteArray(4000, 'x'));
-        m_home->registerDatabase(m_home->databasePath());
-        QVERIFY(!OpenDatabase());
-        QVERIFY(gNotConnected);
-        QCOMPARE(QFile(m_home->databasePath()).size(), qint64(4026)); // left as it was
         QVERIFY(ReportNotConnected());
         QCOMPARE(m_boxes->boxes.last().prompt,
                  QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
+    }
+
+    // Each way a file can fail to be the recipe database: named, and not a byte changed.
+    void unusableDatabasesAreNamedAndLeftAlone_data()
+    {
+        QTest::addColumn<QString>("damage");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("another program's file") << "jet" << "it is not a database, or it is damaged (file is not a database)";
+        QTest::newRow("truncated") << "truncate" << "it is not a database, or it is damaged (database disk image is malformed)";
+        QTest::newRow("no tables") << "empty" << "it holds no tables";
+        QTest::newRow("missing table") << "DROP TABLE MENU" << "the table MENU is missing";
+        QTest::newRow("missing column") << "ALTER TABLE RECIPE DROP COLUMN rating" << "the table RECIPE has no column rating in its place";
+    }
+    void unusableDatabasesAreNamedAndLeftAlone()
+    {
+        QFETCH(QString, damage);
+        QFETCH(QString, reason);
+        const QString file = m_home->databasePath();
+        if (damage == u"jet") {
+            WriteFile(file, QByteArray("Standard Jet DB\0\0\0garbage", 26) + QByteArray(4000, 'x'));
+        } else if (damage == u"empty") {
+            WriteFile(file, QByteArray());
+        } else {
+            m_home->createAndOpenDatabase();
+            for (int id = 1; id <= 300; ++id)
+                ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (%1, '4', 'F', '', 'Bread %1', '00:00', '00:00', '%2', '')")
+                               .arg(id).arg(QString(200, u'n')));
+            if (damage != u"truncate")
+                ExecuteSQL(damage);
+            CloseDatabase();
+            if (damage == u"truncate")
+                QFile(file).resize(QFile(file).size() / 2);
+        }
+        m_home->registerDatabase(file);
+        const QByteArray before = ReadBytes(file);
+        OpenFailure failure;
+        QVERIFY(!OpenDatabase(&failure));
+        QCOMPARE(failure.kind, OpenFailure::Unusable);
+        QCOMPARE(failure.file, file);
+        QCOMPARE(failure.reason, reason);
+        QVERIFY(gNotConnected);
+        QCOMPARE(ReadBytes(file), before);
     }
 };
 

@@ -2,6 +2,8 @@
 
 #include "core/appstate.h"
 #include "core/database.h"
+#include "core/datasources.h"
+#include "core/schema.h"
 #include "core/frmmain.h"
 #include "core/modini.h"
 #include "core/startup.h"
@@ -11,7 +13,9 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
@@ -65,6 +69,49 @@ private Q_SLOTS:
         ConnectAtStartup();
         QVERIFY(m_shell->started.isEmpty());
         QVERIFY(!gNotConnected);
+    }
+
+    void missingDatabaseElsewhereIsNamedNotReplaced()
+    {
+        // On a drive that is not plugged in: no set-up, no new database, the registration kept.
+        const QString usb = m_home->path("usb/PANTRIO.MDB");
+        m_home->registerDatabase(usb);
+        m_shell->regVesk = RegVeskPath();
+        ConnectAtStartup();
+        QVERIFY(m_shell->started.isEmpty());
+        QCOMPARE(m_boxes->waited(), 0.0);
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("The recipe database ") + usb +
+                                                 QStringLiteral(" was not found.\n\nIf it is on a drive that is not connected, connect the drive "
+                                                                "and start Mirepan again. Until then Mirepan runs without its database.")});
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Database not found"));
+        QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
+        QVERIFY(gNotConnected);
+        // The set-up utility, run by hand, leaves it alone too.
+        QCOMPARE(QProcess::execute(RegVeskPath(), {QStringLiteral("/s")}), 0);
+        QCOMPARE(FindDataSource(kDataSourceName).database, usb);
+        QVERIFY(!QFile::exists(m_home->databasePath()));
+        // When the drive is back, the household's database opens.
+        QDir().mkpath(m_home->path("usb"));
+        QVERIFY(CreateDatabaseFromSchema(usb, nullptr));
+        ConnectAtStartup();
+        QVERIFY(!gNotConnected);
+        QCOMPARE(m_boxes->boxes.size(), 1);
+    }
+
+    void damagedDatabaseIsNamedAndLeftAlone()
+    {
+        WriteFile(m_home->databasePath(), QByteArray(5000, '\x5a'));
+        m_home->registerDatabase(m_home->databasePath());
+        m_shell->regVesk = RegVeskPath();
+        ConnectAtStartup();
+        QVERIFY(m_shell->started.isEmpty()); // no "Creating DSN" road
+        QCOMPARE(m_boxes->waited(), 0.0);
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("The recipe database ") + m_home->databasePath() +
+                                                 QStringLiteral(" cannot be used: it is not a database, or it is damaged (file is not a database)."
+                                                                "\n\nThe file was left as it is. Mirepan runs without its database.")});
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
+        QCOMPARE(ReadBytes(m_home->databasePath()), QByteArray(5000, '\x5a'));
+        QVERIFY(gNotConnected);
     }
 
     void secondFailureLeavesTheProgramRunningUnconnected()

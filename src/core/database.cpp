@@ -12,6 +12,9 @@
 #include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlRecord>
+
+#include <initializer_list>
 
 Recordset gRS;
 QString gSQL;
@@ -20,22 +23,70 @@ qint16 gMaxRecipeID = 0;
 
 namespace {
 
-bool isRecipeDatabase(QSqlDatabase &db)
+struct TableColumns {
+    const char *table;
+    std::initializer_list<const char *> columns;
+};
+
+// The tables and columns every statement counts on: values are inserted without column
+// names, so the order of the columns is part of the database's shape.
+const TableColumns kRecipeTables[] = {
+    {"RECIPE", {"id", "servings", "type", "category", "title", "prep_time", "cook_time", "notes", "rating"}},
+    {"INGREDIENTS", {"recipe_id", "ingred_id", "amount", "measure", "ingredient", "cabinet"}},
+    {"DIRECTIONS", {"recipe_id", "step", "direction"}},
+    {"CABINET", {"item", "type", "available"}},
+    {"MENU", {"ID", "parent", "key", "text"}},
+};
+
+// Why the opened database cannot serve as the recipe database; "" when it can. Only reads:
+// a damaged file is left exactly as it was.
+QString recipeDatabaseProblem(QSqlDatabase &db)
+{
+    if (db.driverName() == u"QSQLITE") {
+        // The engine opens a file without looking at it: the first read tells.
+        QSqlQuery check(db);
+        if (!check.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")) || !check.next())
+            return QStringLiteral("it is not a database, or it is damaged (%1)").arg(check.lastError().databaseText());
+        if (check.value(0).toInt() == 0)
+            return QStringLiteral("it holds no tables");
+    }
+    for (const TableColumns &shape : kRecipeTables) {
+        const QString table = QLatin1String(shape.table);
+        const QSqlRecord record = db.record(table);
+        if (record.isEmpty())
+            return QStringLiteral("the table %1 is missing").arg(table);
+        int position = 0;
+        for (const char *column : shape.columns) {
+            if (position >= record.count() ||
+                record.fieldName(position).compare(QLatin1String(column), Qt::CaseInsensitive) != 0)
+                return QStringLiteral("the table %1 has no column %2 in its place").arg(table, QLatin1String(column));
+            ++position;
+        }
+        QSqlQuery probe(db);
+        if (!probe.exec(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" LIMIT 1")))
+            return QStringLiteral("the table %1 cannot be read (%2)").arg(table, probe.lastError().databaseText());
+    }
+    return {};
+}
+
+void prepareConnection(QSqlDatabase &db)
 {
     if (db.driverName() != u"QSQLITE")
-        return true;
-    QSqlQuery check(db);
-    if (!check.exec(QStringLiteral(
-            "SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = 'RECIPE'")) ||
-        !check.next() || check.value(0).toInt() == 0)
-        return false;
-    check.exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+        return;
+    QSqlQuery setup(db);
+    setup.exec(QStringLiteral("PRAGMA foreign_keys = ON"));
     InstallTextFunctions(db);
-    check.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
+    setup.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
     // Searches read every line of every recipe: reading the file through a memory map spares
     // copying each page.
-    check.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
-    return true;
+    setup.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
+}
+
+bool failOpen(OpenFailure *failure, OpenFailure::Kind kind, const QString &file, const QString &reason = {})
+{
+    if (failure)
+        *failure = {kind, file, reason};
+    return false;
 }
 
 } // namespace
@@ -45,14 +96,18 @@ QSqlDatabase gConn()
     return QSqlDatabase::database(kDataSourceName, false);
 }
 
-bool OpenDatabase()
+bool OpenDatabase(OpenFailure *failure)
 {
     const DataSource source = FindDataSource(kDataSourceName);
-    if (source.name.isEmpty() || !QSqlDatabase::isDriverAvailable(source.driver))
-        return false;
+    if (source.name.isEmpty())
+        return failOpen(failure, OpenFailure::NotRegistered, {});
+    const QString file = source.database;
+    if (!QSqlDatabase::isDriverAvailable(source.driver))
+        return failOpen(failure, OpenFailure::Unusable, file,
+                        QStringLiteral("the database driver %1 is not installed").arg(source.driver));
     // SQLite would quietly create a missing file; a missing database is a failed open.
-    if (source.driver == u"QSQLITE" && !QFileInfo(source.database).isFile())
-        return false;
+    if (source.driver == u"QSQLITE" && !QFileInfo(file).isFile())
+        return failOpen(failure, OpenFailure::Missing, file);
 
     if (QSqlDatabase::contains(kDataSourceName)) {
         gRS = Recordset();
@@ -64,17 +119,18 @@ bool OpenDatabase()
     QSqlDatabase db = QSqlDatabase::contains(kDataSourceName)
                           ? gConn()
                           : QSqlDatabase::addDatabase(source.driver, kDataSourceName);
-    db.setDatabaseName(source.database);
+    db.setDatabaseName(file);
     db.setHostName(source.host);
     db.setPort(source.port);
     db.setUserName(QStringLiteral("admin"));
     db.setPassword(QStringLiteral("marjoram"));
     if (!db.open())
-        return false;
-    if (!isRecipeDatabase(db)) {
+        return failOpen(failure, OpenFailure::Unusable, file, db.lastError().text());
+    if (const QString problem = recipeDatabaseProblem(db); !problem.isEmpty()) {
         db.close();
-        return false;
+        return failOpen(failure, OpenFailure::Unusable, file, problem);
     }
+    prepareConnection(db);
     gNotConnected = false;
     return true;
 }

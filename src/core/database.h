@@ -18,9 +18,20 @@ extern QString gSQL;
 extern bool gNotConnected;
 extern qint16 gMaxRecipeID;
 
+// Why an open failed: nothing registered (the first start), the registered file missing (a
+// drive not plugged in), or a database that cannot be used (damaged, not a recipe database,
+// a table or column missing), with the reason in words.
+struct OpenFailure {
+    enum Kind { None, NotRegistered, Missing, Unusable };
+    Kind kind = None;
+    QString file;
+    QString reason;
+};
+
 // Opens the registered data source "PANTRIO" (user "admin", password "marjoram"). A missing
-// registration, a missing file or a file that is not a recipe database is a failed open.
-bool OpenDatabase();
+// registration, a missing file or a file that is not a recipe database is a failed open, and
+// failure (when given) says which; the file is never written to then.
+bool OpenDatabase(OpenFailure *failure = nullptr);
 void CloseDatabase();
 // Trims the statement in place, prepares it (PrepareSQL), translates it to the engine's
 // dialect and runs it. A failed statement answers a result whose failed() is true.

@@ -56,6 +56,16 @@ QString IniPath()
     return JoinPath(ProgramDir(), QStringLiteral("pantrio.ini"));
 }
 
+QString DefaultDatabasePath()
+{
+    return JoinPath(ProgramDir(), QStringLiteral("PANTRIO.MDB"));
+}
+
+bool SameFile(const QString &a, const QString &b)
+{
+    return QDir::cleanPath(QFileInfo(a).absoluteFilePath()) == QDir::cleanPath(QFileInfo(b).absoluteFilePath());
+}
+
 QString DirectoryOf(const QString &path)
 {
     const qsizetype cut = std::max(path.lastIndexOf(u'/'), path.lastIndexOf(u'\\'));

@@ -12,5 +12,10 @@ QString ProgramDir();
 QString JoinPath(const QString &dir, const QString &name);
 // The settings file: the program directory and "pantrio.ini".
 QString IniPath();
+// The database the data-source set-up creates and registers: PANTRIO.MDB in the program
+// directory.
+QString DefaultDatabasePath();
+// Whether two paths name the same file (however they are spelled).
+bool SameFile(const QString &a, const QString &b);
 // The directory part of a path up to and including its last separator ("\" or "/").
 QString DirectoryOf(const QString &path);

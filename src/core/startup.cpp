@@ -12,16 +12,44 @@
 
 #include <QCoreApplication>
 
+namespace {
+
+// A database that is registered but not usable is named to the user and left alone; setting
+// up a new data source would hide the household's recipes behind an empty database.
+void reportOpenFailure(const OpenFailure &failure)
+{
+    if (failure.kind == OpenFailure::Missing) {
+        MsgBox(QStringLiteral("The recipe database ") + failure.file +
+                   QStringLiteral(" was not found.\n\nIf it is on a drive that is not connected, connect the drive "
+                                  "and start Mirepan again. Until then Mirepan runs without its database."),
+               Msg::Critical, QStringLiteral("Database not found"));
+    } else {
+        MsgBox(QStringLiteral("The recipe database ") + failure.file + QStringLiteral(" cannot be used: ") +
+                   failure.reason +
+                   QStringLiteral(".\n\nThe file was left as it is. Mirepan runs without its database."),
+               Msg::Critical, QStringLiteral("Error"));
+    }
+}
+
+} // namespace
+
 void ConnectAtStartup()
 {
-    if (OpenDatabase())
+    OpenFailure failure;
+    if (OpenDatabase(&failure))
         return;
+    // Only a first start (nothing registered, or the program's own database not made yet)
+    // sets up the data source.
+    if (failure.kind == OpenFailure::Unusable ||
+        (failure.kind == OpenFailure::Missing && !SameFile(failure.file, DefaultDatabasePath()))) {
+        reportOpenFailure(failure);
+        return;
+    }
 
     StartProgramMinimised(JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("reg_vesk")),
                           {QStringLiteral("/s")});
     {
-        StatusGuard status(QStringLiteral("Creating DSN for ") +
-                           JoinPath(ProgramDir(), QStringLiteral("PANTRIO.MDB")));
+        StatusGuard status(QStringLiteral("Creating DSN for ") + DefaultDatabasePath());
         SetStatusMaximum(7);
         for (int step = 0; step <= 7; ++step) {
             SetStatusProgress(step);

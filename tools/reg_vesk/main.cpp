@@ -2,7 +2,9 @@
 //
 // "reg_vesk /s" registers PANTRIO as the SQLite file PANTRIO.MDB in the program directory
 // and, when that file is not there yet, creates it from the shipped schema. It never touches
-// an existing database. Without /s it says what it would do.
+// an existing database, and leaves alone a registration that names another database (one on
+// a drive that is not plugged in just now is still the household's). Without /s it says what
+// it would do.
 
 #include "core/datasources.h"
 #include "core/database.h"
@@ -20,11 +22,19 @@ int main(int argc, char *argv[])
     app.setOrganizationName(QStringLiteral("Mirepan"));
 
     const bool silent = app.arguments().contains(QStringLiteral("/s"), Qt::CaseInsensitive);
-    const QString database = JoinPath(ProgramDir(), QStringLiteral("PANTRIO.MDB"));
+    const QString database = DefaultDatabasePath();
     if (!silent) {
         std::printf("reg_vesk /s registers the data source \"PANTRIO\" for %s\n"
                     "in %s and creates the database when it is missing.\n",
                     qPrintable(database), qPrintable(DataSourcesPath()));
+        return 0;
+    }
+
+    const DataSource registered = FindDataSource(kDataSourceName);
+    if (!registered.name.isEmpty() &&
+        (registered.driver != u"QSQLITE" || !SameFile(registered.database, database))) {
+        std::fprintf(stderr, "reg_vesk: PANTRIO is registered for %s; left as it is.\n",
+                     qPrintable(registered.database));
         return 0;
     }
 
