@@ -6,6 +6,8 @@
 #include "support/testsupport.h"
 
 #include <QFile>
+#include <QRandomGenerator>
+#include <QSqlQuery>
 #include <QTest>
 
 class TestDatabase : public QObject
@@ -108,6 +110,49 @@ private Q_SLOTS:
                  QStringLiteral("SELECT 1 WHERE A.title LIKE '%X%'"));
         QCOMPARE(TranslateJetSql("SELECT 1 WHERE UCASE(A.title) LIKE '%X%'", false),
                  QStringLiteral("SELECT 1 WHERE UPPER(A.title) LIKE '%X%'"));
+    }
+
+    void likeAgreesWithTheEngineOnPlainText()
+    {
+        // The engine's own LIKE folds A to Z only: on such texts ours must answer the same.
+        m_home->createAndOpenDatabase();
+        QSqlDatabase plain = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("plain"));
+        plain.setDatabaseName(QStringLiteral(":memory:"));
+        QVERIFY(plain.open());
+        QRandomGenerator random(12);
+        const auto text = [&](const char *alphabet, int longest) {
+            QString t;
+            for (int n = int(random.bounded(longest + 1)); n > 0; --n)
+                t += QLatin1Char(alphabet[random.bounded(int(qstrlen(alphabet)))]);
+            return t;
+        };
+        for (int round = 0; round < 3000; ++round) {
+            const QString pattern = text("aAb%%_", 7);
+            const QString subject = text("aAbB", 9);
+            const QString sql = QStringLiteral("SELECT '%1' LIKE '%2'").arg(subject, pattern);
+            QSqlQuery theirs(plain);
+            QVERIFY(theirs.exec(sql) && theirs.next());
+            QVERIFY2(QueryNumber(sql) == theirs.value(0).toInt(), qPrintable(sql));
+        }
+        plain.close();
+    }
+
+    void longLikePatternsAreRefusedAsTheEngineDoes()
+    {
+        m_home->createAndOpenDatabase();
+        ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (1, '', 'F', '', '%1', '00:00', '00:00', '', '')")
+                       .arg(QString(40000, u'a') + QStringLiteral("b")));
+        // Within the limit: answered, and a pattern that almost matches everywhere is still cheap.
+        const QString almost = QStringLiteral("%") + QString(49997, u'a') + QStringLiteral("b%");
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE '%1'").arg(almost)), 0);
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE '%%1%'").arg(QString(100, u'A') + u'B')), 1);
+        QVERIFY(m_boxes->boxes.isEmpty());
+        // Past it (a 1 MB title search): refused at once with the engine's words.
+        const QString huge = QStringLiteral("%") + QString(1 << 20, u'a') + QStringLiteral("%");
+        QVERIFY(ExecuteSQL(QStringLiteral("SELECT id FROM RECIPE A WHERE UCASE(A.title) LIKE '%1'").arg(huge)).failed());
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QVERIFY(m_boxes->boxes[0].prompt.startsWith(QStringLiteral("1: LIKE or GLOB pattern too complex\n\nSELECT id")));
+        QVERIFY(m_boxes->boxes[0].prompt.size() < 1000);
     }
 
     void commandTextErrorsAreSilentOthersAreReported()

@@ -6,7 +6,12 @@
 #include <QString>
 
 #include <sqlite3.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -38,30 +43,94 @@ void upper(sqlite3_context *context, int argc, sqlite3_value **argv)
     sqlite3_result_text(context, folded.data(), int(folded.size()), SQLITE_TRANSIENT);
 }
 
-// LIKE without regard to case for every letter: "%" any run of characters, "_" one.
-template<typename Char, typename Fold>
-bool wildcardMatch(const Char *p, const Char *pe, const Char *s, const Char *se, Fold fold)
+// A LIKE pattern made ready once per statement: in upper case and cut at its "%" runs into
+// pieces, "_" standing for any one character. Matching finds the pieces from left to right,
+// each at its first place (the first and last piece held to the ends where no "%" frees them),
+// so a row costs about its own length, however long the pattern.
+template<typename Char>
+class LikePattern
 {
-    const Char *starP = nullptr;
-    const Char *starS = nullptr;
-    while (s < se) {
-        if (p < pe && *p == Char(u'%')) {
-            starP = ++p;
-            starS = s;
-        } else if (p < pe && (*p == Char(u'_') || fold(*p) == fold(*s))) {
-            ++p;
-            ++s;
-        } else if (starP) {
-            p = starP;
-            s = ++starS;
-        } else {
-            return false;
+public:
+    using Text = std::basic_string<Char>;
+
+    explicit LikePattern(const Text &folded)
+    {
+        m_free[0] = !folded.empty() && folded.front() == Char(u'%');
+        m_free[1] = !folded.empty() && folded.back() == Char(u'%');
+        Text piece;
+        for (const Char c : folded) {
+            if (c != Char(u'%')) {
+                piece += c;
+            } else if (!piece.empty()) {
+                m_pieces.push_back(std::move(piece));
+                piece.clear();
+            }
+        }
+        if (!piece.empty())
+            m_pieces.push_back(std::move(piece));
+        // The searchers point into the pieces, which stay where they are from here on.
+        for (const Text &p : m_pieces) {
+            if (p.find(Char(u'_')) == Text::npos)
+                m_searchers.emplace_back(std::in_place, p.begin(), p.end());
+            else
+                m_searchers.emplace_back();
         }
     }
-    while (p < pe && *p == Char(u'%'))
-        ++p;
-    return p == pe;
-}
+
+    bool matches(const Char *s, const Char *se) const
+    {
+        if (m_pieces.empty())
+            return m_free[0] || s == se;
+        qsizetype first = 0;
+        qsizetype last = qsizetype(m_pieces.size()) - 1;
+        if (!m_free[0]) {
+            if (!equalAt(s, se, m_pieces[0]))
+                return false;
+            if (last == 0 && !m_free[1])
+                return qsizetype(se - s) == qsizetype(m_pieces[0].size());
+            s += m_pieces[0].size();
+            first = 1;
+        }
+        if (!m_free[1] && last >= first) {
+            const Text &tail = m_pieces[size_t(last)];
+            if (qsizetype(se - s) < qsizetype(tail.size()) || !equalAt(se - tail.size(), se, tail))
+                return false;
+            se -= tail.size();
+            --last;
+        }
+        for (qsizetype i = first; i <= last; ++i) {
+            const Char *found = find(s, se, size_t(i));
+            if (!found)
+                return false;
+            s = found + m_pieces[size_t(i)].size();
+        }
+        return true;
+    }
+
+private:
+    static bool same(Char p, Char c) { return p == Char(u'_') || p == c; }
+
+    static bool equalAt(const Char *s, const Char *se, const Text &piece)
+    {
+        return qsizetype(se - s) >= qsizetype(piece.size()) && std::equal(piece.begin(), piece.end(), s, &same);
+    }
+
+    const Char *find(const Char *s, const Char *se, size_t i) const
+    {
+        const Text &piece = m_pieces[i];
+        const Char *found;
+        if (m_searchers[i])
+            found = std::search(s, se, *m_searchers[i]);
+        else
+            found = std::search(s, se, piece.begin(), piece.end(), [](Char c, Char p) { return same(p, c); });
+        return found == se && !piece.empty() ? nullptr : found;
+    }
+
+    using Searcher = std::boyer_moore_searcher<typename Text::const_iterator>;
+    std::vector<Text> m_pieces;
+    std::vector<std::optional<Searcher>> m_searchers;
+    bool m_free[2] = {false, false}; // a "%" at the start, at the end
+};
 
 int upperAscii(unsigned char c)
 {
@@ -77,6 +146,19 @@ bool isAscii(const unsigned char *text, int bytes)
     return true;
 }
 
+std::u16string foldUnicode(const unsigned char *text, int bytes)
+{
+    const QString upper = QString::fromUtf8(reinterpret_cast<const char *>(text), bytes).toUpper();
+    return std::u16string(reinterpret_cast<const char16_t *>(upper.constData()), size_t(upper.size()));
+}
+
+// The pattern's two forms: for texts of plain ASCII (the most) and for any other text; the
+// second is made when first needed.
+struct PreparedPattern {
+    std::optional<LikePattern<unsigned char>> ascii;
+    std::optional<LikePattern<char16_t>> unicode;
+};
+
 void like(sqlite3_context *context, int argc, sqlite3_value **argv)
 {
     if (argc != 2 || sqlite3_value_type(argv[0]) == SQLITE_NULL || sqlite3_value_type(argv[1]) == SQLITE_NULL) {
@@ -86,16 +168,42 @@ void like(sqlite3_context *context, int argc, sqlite3_value **argv)
     // X LIKE Y arrives as like(Y, X): the pattern first.
     const auto *pattern = sqlite3_value_text(argv[0]);
     const int patternBytes = sqlite3_value_bytes(argv[0]);
+    // The engine's own limit on patterns, and its own answer.
+    if (patternBytes > sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1)) {
+        sqlite3_result_error(context, "LIKE or GLOB pattern too complex", -1);
+        return;
+    }
+    auto *prepared = static_cast<PreparedPattern *>(sqlite3_get_auxdata(context, 0));
+    if (!prepared) {
+        prepared = new PreparedPattern;
+        if (isAscii(pattern, patternBytes)) {
+            std::basic_string<unsigned char> folded(pattern, size_t(patternBytes));
+            for (unsigned char &c : folded)
+                c = static_cast<unsigned char>(upperAscii(c));
+            prepared->ascii.emplace(folded);
+        }
+        // Kept by the engine for the rows to come while the pattern stays the same.
+        sqlite3_set_auxdata(context, 0, prepared, [](void *p) { delete static_cast<PreparedPattern *>(p); });
+        prepared = static_cast<PreparedPattern *>(sqlite3_get_auxdata(context, 0));
+        if (!prepared) { // the engine had no memory to keep it
+            sqlite3_result_error_nomem(context);
+            return;
+        }
+    }
     const auto *text = sqlite3_value_text(argv[1]);
     const int textBytes = sqlite3_value_bytes(argv[1]);
     bool matched;
-    if (isAscii(pattern, patternBytes) && isAscii(text, textBytes)) {
-        matched = wildcardMatch(pattern, pattern + patternBytes, text, text + textBytes, &upperAscii);
+    if (prepared->ascii && isAscii(text, textBytes)) {
+        thread_local std::basic_string<unsigned char> folded;
+        folded.assign(text, size_t(textBytes));
+        for (unsigned char &c : folded)
+            c = static_cast<unsigned char>(upperAscii(c));
+        matched = prepared->ascii->matches(folded.data(), folded.data() + folded.size());
     } else {
-        const QString p = QString::fromUtf8(reinterpret_cast<const char *>(pattern), patternBytes).toUpper();
-        const QString t = QString::fromUtf8(reinterpret_cast<const char *>(text), textBytes).toUpper();
-        auto same = [](QChar c) { return c.unicode(); };
-        matched = wildcardMatch(p.constData(), p.constData() + p.size(), t.constData(), t.constData() + t.size(), same);
+        if (!prepared->unicode)
+            prepared->unicode.emplace(foldUnicode(pattern, patternBytes));
+        const std::u16string folded = foldUnicode(text, textBytes);
+        matched = prepared->unicode->matches(folded.data(), folded.data() + folded.size());
     }
     sqlite3_result_int(context, matched ? 1 : 0);
 }
