@@ -151,6 +151,13 @@ private Q_SLOTS:
         s->txtTitle->setText(QStringLiteral("mom's"));
         s->cmdSearch_Click();
         QCOMPARE(listed(*s), QStringList{QStringLiteral("Mom's Cherry Pie")});
+        // Enter in a time box searches with the time as the box will show it: "30" is 00:30.
+        s->txtTitle->clear();
+        s->txtPrepTime->setFocus();
+        s->txtPrepTime->setText(QStringLiteral("30"));
+        QTest::keyClick(s->txtPrepTime, Qt::Key_Return);
+        QCOMPARE(s->txtPrepTime->text(), QStringLiteral("00:30"));
+        QCOMPARE(listed(*s), (QStringList{"50% Whole Wheat_Loaf", "Apple Pie", "Mom's Cherry Pie"}));
         s->cmdClear_Click();
         QCOMPARE(s->lblResults->text(), QStringLiteral("Results"));
         QCOMPARE(s->lvwRecipes->topLevelItemCount(), 0);
@@ -290,6 +297,7 @@ private Q_SLOTS:
         s->cmdDelete_Click();
         QCOMPARE(m_boxes->prompts().first(), QStringLiteral("Are you sure you want to permanently delete 'A one' from the Pantrio?"));
         QCOMPARE(listed(*s), QStringList{QStringLiteral("B two")});
+        QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 1"));
         const Recordset rs = ExecuteSQL("SELECT count(*) FROM RECIPE");
         QCOMPARE(rs.value(0).toInt(), 1);
         QCOMPARE(ExecuteSQL("SELECT count(*) FROM INGREDIENTS").value(0).toInt(), 1);

@@ -278,6 +278,10 @@ void frmSearch::cmdSearch_Click()
     Guarded([this] {
         if (ReportNotConnected())
             return;
+        // Enter in a time box searches before the box is left: its text is read as it will
+        // be shown.
+        txtPrepTime_LostFocus();
+        txtCookTime_LostFocus();
         txtFind->clear();
         lvwRecipes->clear();
         m_upperTitles.clear();
@@ -448,6 +452,8 @@ void frmSearch::cmdDelete_Click()
     for (int k = 0; k < positions.size(); ++k)
         delete lvwRecipes->takeTopLevelItem(positions[k] - 1 - k);
     m_upperTitles.clear();
+    if (!positions.isEmpty())
+        lblResults->setText(QStringLiteral("Results: ") + QString::number(lvwRecipes->topLevelItemCount()));
 }
 
 void frmSearch::SetSelectionMode()
