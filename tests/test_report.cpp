@@ -11,6 +11,7 @@
 #include "support/testsupport.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -206,9 +207,13 @@ private Q_SLOTS:
             QFile::copy(m_home->path("report.RTF"), QStringLiteral(MIREPAN_SOURCE_DIR "/tests/data/report.rtf"));
         QCOMPARE(rtf, ReadFile(QFINDTESTDATA("data/report.rtf")));
 
+        // An earlier file is replaced whole, through a copy that does not stay behind.
+        WriteFile(m_home->path("report.pdf"), QByteArray(100000, 'x'));
         p.SetFileName(m_home->path("report.pdf"));
         QVERIFY(p.Save());
         QVERIFY(ReadFile(m_home->path("report.pdf")).startsWith(QStringLiteral("%PDF")));
+        QVERIFY(!ReadBytes(m_home->path("report.pdf")).contains("xxxx"));
+        QCOMPARE(QDir(m_home->dir()).entryList({QStringLiteral("*.new")}), QStringList());
         p.SetFileName(m_home->path("report.txt"));
         QVERIFY(p.Save());
         QVERIFY(ReadFile(m_home->path("report.txt")).contains(QStringLiteral("\fPage two\n")));

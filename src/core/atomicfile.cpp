@@ -40,22 +40,34 @@ void syncDirectory(const QString &dir)
 
 } // namespace
 
+QString CopyBeside(const QString &path, const QString &tempName)
+{
+    // The copy must lie on the same file system as the file: only there is a rename one step.
+    const QFileInfo target(path);
+    return QDir(target.absolutePath()).filePath(tempName.isEmpty() ? target.fileName() + QStringLiteral(".new") : tempName);
+}
+
+void RenameOver(const QString &copy, const QString &path)
+{
+    if (QFileInfo::exists(path))
+        QFile::setPermissions(copy, QFile::permissions(path));
+    if (std::rename(QFile::encodeName(copy).constData(), QFile::encodeName(path).constData()) != 0) {
+        QFile::remove(copy);
+        throw PlatformError(PlatformError::FileAccess, path);
+    }
+    syncDirectory(QFileInfo(path).absolutePath());
+}
+
 void ReplaceFile(const QString &path, const QByteArray &data, const QString &tempName)
 {
-    const QFileInfo target(path);
-    const QString dir = target.absolutePath();
-    // The copy must lie on the same file system as the file: only there is a rename one step.
-    const QString temp = QDir(dir).filePath(tempName.isEmpty() ? target.fileName() + QStringLiteral(".new")
-                                                               : tempName);
+    const QString temp = CopyBeside(path, tempName);
     QFile out(temp);
     const bool written = out.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
                          out.write(data) == data.size() && out.flush() && syncToDisk(out);
     out.close();
-    if (written && target.exists())
-        QFile::setPermissions(temp, QFile::permissions(path));
-    if (!written || std::rename(QFile::encodeName(temp).constData(), QFile::encodeName(path).constData()) != 0) {
+    if (!written) {
         QFile::remove(temp);
         throw PlatformError(PlatformError::FileAccess, path);
     }
-    syncDirectory(dir);
+    RenameOver(temp, path);
 }

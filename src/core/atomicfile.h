@@ -11,3 +11,9 @@
 // of its own when empty). The copy keeps the original's permissions. Throws a PlatformError
 // (FileAccess) naming the file when it cannot be replaced; the original is then untouched.
 void ReplaceFile(const QString &path, const QByteArray &data, const QString &tempName = {});
+
+// For a file written by someone else (a PDF printer): the copy beside path to write to, and
+// putting the written copy in the file's place in one step (a FileAccess PlatformError when it
+// cannot; the copy is then removed and the original untouched).
+QString CopyBeside(const QString &path, const QString &tempName = {});
+void RenameOver(const QString &copy, const QString &path);

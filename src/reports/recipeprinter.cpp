@@ -3,6 +3,9 @@
 #include "frmpreview.h"
 #include "rtfwriter.h"
 
+#include "core/atomicfile.h"
+#include "core/platform.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -135,22 +138,27 @@ bool RecipePrinter::Save(QString *error) const
     if (!info.absoluteDir().exists())
         return fail(QStringLiteral("The folder %1 does not exist.").arg(info.absolutePath()));
     const QString suffix = info.suffix().toLower();
-    if (suffix == u"pdf") {
-        QPrinter printer(QPrinter::HighResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(m_fileName);
-        printer.setPageMargins(QMarginsF(20, 20, 20, 20), QPageLayout::Millimeter);
-        QFile probe(m_fileName);
-        if (!probe.open(QIODevice::WriteOnly))
-            return fail(QStringLiteral("%1 cannot be written: %2").arg(m_fileName, probe.errorString()));
-        probe.close();
-        toDocument()->print(&printer);
-        return true;
+    // The file is replaced in one step: a failed or interrupted save keeps the last one.
+    const QString cannot = QStringLiteral("%1 cannot be written.").arg(m_fileName);
+    try {
+        if (suffix == u"pdf") {
+            const QString copy = CopyBeside(m_fileName);
+            QFile probe(copy);
+            if (!probe.open(QIODevice::WriteOnly))
+                return fail(QStringLiteral("%1 cannot be written: %2").arg(m_fileName, probe.errorString()));
+            probe.close();
+            QPrinter printer(QPrinter::HighResolution);
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(copy);
+            printer.setPageMargins(QMarginsF(20, 20, 20, 20), QPageLayout::Millimeter);
+            toDocument()->print(&printer);
+            RenameOver(copy, m_fileName);
+        } else {
+            ReplaceFile(m_fileName, suffix == u"rtf" ? WriteRtf(lines()) : plainText().toUtf8());
+        }
+    } catch (const PlatformError &) {
+        return fail(cannot);
     }
-    const QByteArray data = suffix == u"rtf" ? WriteRtf(lines()) : plainText().toUtf8();
-    QFile file(m_fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(data) != data.size())
-        return fail(QStringLiteral("%1 cannot be written: %2").arg(m_fileName, file.errorString()));
     return true;
 }
 
