@@ -5,6 +5,7 @@
 #include "core/datasources.h"
 #include "core/schema.h"
 #include "core/frmmain.h"
+#include "core/frmstatus.h"
 #include "core/modini.h"
 #include "core/startup.h"
 #include "core/windowhooks.h"
@@ -18,6 +19,8 @@
 #include <QProcess>
 #include <QLabel>
 #include <QMenuBar>
+#include <QProgressBar>
+#include <QStandardPaths>
 #include <QPushButton>
 #include <QTest>
 
@@ -145,6 +148,23 @@ private Q_SLOTS:
         QCOMPARE(main->cboRecipeType->currentText(), QStringLiteral("Food"));
     }
 
+    void statusWindowShowsABarOnlyForProgress()
+    {
+        {
+            StatusGuard notice(QStringLiteral("Soup has been saved!"));
+            QVERIFY(StatusWindow()->lblMessage->isVisible());
+            QVERIFY(StatusWindow()->pgbStatus->isHidden());
+            QVERIFY(StatusWindow()->lblPct->isHidden());
+        }
+        StatusGuard work(QStringLiteral("Working"));
+        SetStatusMaximum(7);
+        SetStatusProgress(0);
+        QVERIFY(StatusWindow()->pgbStatus->isVisible());
+        SetStatusProgress(7);
+        QCOMPARE(StatusWindow()->lblPct->text(), QStringLiteral("100%"));
+        SaveScreenshot(StatusWindow(), QStringLiteral("frmStatus"));
+    }
+
     void exitIsRefusedWhileWorkingWindowsAreOpen()
     {
         frmMain main;
@@ -204,6 +224,22 @@ private Q_SLOTS:
         main.mnuWebPage->trigger(); // not shipped into the test directory: a clear message
         QCOMPARE(m_boxes->boxes.size(), 1);
         QVERIFY(m_boxes->boxes[0].prompt.startsWith(QStringLiteral("The web page could not be opened")));
+    }
+
+    void manualWithNoProgramToOpenItIsNamed()
+    {
+        // The desktop's opener finds no program for the manual and says so only by its exit.
+        m_shell.reset();
+        QFile::copy(QStringLiteral(MIREPAN_SOURCE_DIR "/data/vesk_um.rtf"), m_home->path("vesk_um.rtf"));
+        frmMain main;
+        for (const char *opener : {"true", "false"}) {
+            qputenv("MIREPAN_OPENER", QStandardPaths::findExecutable(QLatin1String(opener)).toUtf8());
+            main.mnuUM->trigger();
+            QTest::qWait(300);
+        }
+        qunsetenv("MIREPAN_OPENER");
+        QTRY_COMPARE(m_boxes->prompts(), QStringList{QStringLiteral("The user manual could not be opened:\n") + m_home->path("vesk_um.rtf")});
+        QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
     }
 
     void listMaintenanceWarnsFirst()

@@ -34,6 +34,9 @@ frmStatus::frmStatus(QWidget *parent)
     layout->addWidget(lblMessage);
     layout->addWidget(pgbStatus);
     layout->addWidget(lblPct);
+    // A notice has no progress to show: the bar appears with the first progress set.
+    pgbStatus->hide();
+    lblPct->hide();
 }
 
 void ShowStatus(const QString &message)
@@ -63,6 +66,11 @@ void SetStatusProgress(int value)
         return;
     QProgressBar *bar = g_status->pgbStatus;
     bar->setValue(std::clamp(value, bar->minimum(), bar->maximum()));
+    if (bar->isHidden()) {
+        bar->show();
+        g_status->lblPct->show();
+        g_status->adjustSize();
+    }
     g_status->lblPct->setText(QString::number(100 * bar->value() / std::max(1, bar->maximum())) +
                               u'%');
     g_status->repaint();

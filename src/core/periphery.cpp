@@ -9,9 +9,12 @@ namespace {
 void openShipped(const QString &name, const QString &what)
 {
     const QString path = JoinPath(ProgramDir(), name);
-    if (!OpenDocument(path))
+    const auto failed = [=] {
         MsgBox(QStringLiteral("The %1 could not be opened:\n%2").arg(what, path), Msg::Critical,
                QStringLiteral("Error"));
+    };
+    if (!OpenDocument(path, failed))
+        failed();
 }
 
 } // namespace

@@ -125,6 +125,8 @@ void frmResize::Form_Load()
         optResize[1]->setChecked(true);
         optResize_Click(1);
     }
+    // The new count (or numerator) is what the user came to type.
+    txtNewServings->setFocus();
 }
 
 bool frmResize::fractionMode() const
