@@ -120,6 +120,7 @@ public:
         return style.buttons == MsgButtons::YesNo ? MsgResult::Yes : MsgResult::Ok;
     }
     QString inputBox(const QString &, const QString &, const QString &defaultText) override { return defaultText; }
+    QString fileName(const QString &, const QString &current) override { return current; }
     void showModal(QDialog *) override {}
     void wait(double) override {}
 };

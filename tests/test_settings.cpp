@@ -63,7 +63,11 @@ private Q_SLOTS:
     {
         LoadSettings();
         QCOMPARE(gSettings.Preview, m_home->path("recipes.rtf"));
-        QCOMPARE(gSettings.Database, m_home->path("pantrio.mdb"));
+        QCOMPARE(gSettings.Database, m_home->path("PANTRIO.MDB")); // the name the set-up gives it
+        // A registered database elsewhere is the one backups are made of.
+        m_home->registerDatabase(QStringLiteral("/media/usb/Recipes.db"));
+        LoadSettings();
+        QCOMPARE(gSettings.Database, QStringLiteral("/media/usb/Recipes.db"));
         QCOMPARE(gSettings.BaseFontSize, 9);
         QVERIFY(gSettings.RecipeView && gSettings.Seek && !gSettings.StandardAdd);
     }
@@ -87,7 +91,7 @@ private Q_SLOTS:
         const QString dir = m_home->dir();
         QCOMPARE(ReadFile(m_home->iniPath()),
                  QStringLiteral("[Print_Settings]\nBaseFontSize=11\nNewPage=True\nBlankLines=True\nPageNumbers=False\n\n"
-                                "[Files]\nTransfer=C:\\Recipes\\transfer.txt\nPreview=%1/recipes.rtf\nDatabase=%1/pantrio.mdb\n\n"
+                                "[Files]\nTransfer=C:\\Recipes\\transfer.txt\nPreview=%1/recipes.rtf\nDatabase=%1/PANTRIO.MDB\n\n"
                                 "[Misc]\nRecipeView=True\nSeek=True\nSeekAmount=False\nStandardAdd=False\nOnlyNewRecipes=True\n")
                      .arg(dir));
         QVERIFY(gSettings.OnlyNewRecipes);
@@ -146,7 +150,7 @@ private Q_SLOTS:
         QVERIFY(dialog.optAdd[1]->isChecked());
         QVERIFY(dialog.optSearch[0]->isChecked());
         QCOMPARE(dialog.cboFontSize->currentText(), QStringLiteral("9"));
-        QCOMPARE(dialog.txtDatabase->text(), m_home->path("pantrio.mdb"));
+        QCOMPARE(dialog.txtDatabase->text(), m_home->path("PANTRIO.MDB"));
         dialog.cmdCancel_Click();
         QCOMPARE(ReadFile(m_home->iniPath()), before);
     }
@@ -167,6 +171,28 @@ private Q_SLOTS:
         QVERIFY(dialog.fraFile->isVisible());
         QVERIFY(!dialog.fraAction->isVisible());
         SaveScreenshot(&dialog, QStringLiteral("frmSettings-files"));
+        // Going from tab to tab keeps the dialog's size.
+        const QSize size = dialog.size();
+        for (int tab : {1, 3, 2, 1, 3})
+            dialog.SetTab(tab);
+        QCOMPARE(dialog.size(), size);
+    }
+
+    void browseButtonsFillTheFileNames()
+    {
+        frmSettings dialog;
+        dialog.show();
+        dialog.SetTab(2);
+        m_boxes->answerFile(QStringLiteral("/home/cook/week.pdf"));
+        QTest::mouseClick(dialog.cmdBrowseFilename, Qt::LeftButton);
+        QCOMPARE(dialog.txtFilename->text(), QStringLiteral("/home/cook/week.pdf"));
+        QCOMPARE(m_boxes->fileDialogs, (QStringList{"Preview File", m_home->path("recipes.rtf")}));
+        m_boxes->answerFile(QString()); // Cancel keeps the name
+        QTest::mouseClick(dialog.cmdBrowseTransfer, Qt::LeftButton);
+        QCOMPARE(dialog.txtTransfer->text(), m_home->path("transfer.txt"));
+        m_boxes->answerFile(QStringLiteral("/media/usb/PANTRIO.MDB"));
+        QTest::mouseClick(dialog.cmdBrowseDatabase, Qt::LeftButton);
+        QCOMPARE(dialog.txtDatabase->text(), QStringLiteral("/media/usb/PANTRIO.MDB"));
     }
 };
 

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QDialog>
+#include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QThread>
@@ -81,6 +82,17 @@ QString InputBox(const QString &prompt, const QString &title, const QString &def
     const QString answer = QInputDialog::getText(QApplication::activeWindow(), caption, prompt,
                                                  QLineEdit::Normal, defaultText, &ok);
     return ok ? answer : QString();
+}
+
+QString AskFileName(const QString &title, const QString &current, const QString &filter, FileUse use)
+{
+    if (g_responder)
+        return g_responder->fileName(title, current);
+    QWidget *parent = QApplication::activeWindow();
+    if (use == FileUse::Open)
+        return QFileDialog::getOpenFileName(parent, title, current, filter);
+    // The file is only named here; it is written (and replaced) when the command runs.
+    return QFileDialog::getSaveFileName(parent, title, current, filter, nullptr, QFileDialog::DontConfirmOverwrite);
 }
 
 void ShowModal(QDialog *dialog)

@@ -35,6 +35,10 @@ QString ProgramTitle();
 MsgResult MsgBox(const QString &prompt, MsgStyle style = Msg::Ok, const QString &title = {});
 // Asks for a line of text; returns "" for Cancel.
 QString InputBox(const QString &prompt, const QString &title = {}, const QString &defaultText = {});
+// Asks for a file with the desktop's file dialog, starting at current; filter as Qt writes it
+// ("Rich text (*.rtf);;All files (*)"). A file to write need not exist. "" for Cancel.
+enum class FileUse { Open, Save };
+QString AskFileName(const QString &title, const QString &current, const QString &filter, FileUse use);
 // Shows a dialog modally and returns when it has been hidden.
 void ShowModal(QDialog *dialog);
 // Waits the given seconds while the windows keep painting; the user's clicks and keys
@@ -48,6 +52,7 @@ public:
     virtual MsgResult messageBox(const QString &prompt, MsgStyle style, const QString &title) = 0;
     virtual QString inputBox(const QString &prompt, const QString &title,
                              const QString &defaultText) = 0;
+    virtual QString fileName(const QString &title, const QString &current) = 0;
     virtual void showModal(QDialog *dialog) = 0;
     virtual void wait(double seconds) = 0;
 };

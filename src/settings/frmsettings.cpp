@@ -1,6 +1,8 @@
 #include "frmsettings.h"
 
 #include "core/appstate.h"
+#include "core/database.h"
+#include "core/datasources.h"
 #include "core/guard.h"
 #include "core/modini.h"
 #include "core/msgbox.h"
@@ -10,6 +12,7 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFormLayout>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -19,6 +22,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStackedWidget>
 #include <QTabBar>
 #include <QVBoxLayout>
 
@@ -54,6 +58,14 @@ QString shippedPath(const char *name)
     return JoinPath(ProgramDir(), QLatin1String(name));
 }
 
+// The database the program opens: the registered data source's file, else the one the
+// set-up creates. Named as it is on disk, where "pantrio.mdb" would be another file.
+QString defaultDatabase()
+{
+    const DataSource source = FindDataSource(kDataSourceName);
+    return source.driver == u"QSQLITE" && !source.database.isEmpty() ? source.database : DefaultDatabasePath();
+}
+
 QFrame *newFrame(const char *name, QWidget *parent)
 {
     auto *frame = new QFrame(parent);
@@ -74,6 +86,18 @@ frmSettings::frmSettings(QWidget *parent)
     connect(cmdReset, &QPushButton::clicked, this, &frmSettings::cmdReset_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmSettings::cmdCancel_Click);
     connect(tsSettings, &QTabBar::currentChanged, this, &frmSettings::tsSettings_Click);
+    connect(cmdBrowseDatabase, &QPushButton::clicked, this, [this] {
+        browse(txtDatabase, QStringLiteral("Recipe Database"), QStringLiteral("Recipe database (*.MDB *.mdb);;All files (*)"),
+               FileUse::Open);
+    });
+    connect(cmdBrowseTransfer, &QPushButton::clicked, this, [this] {
+        browse(txtTransfer, QStringLiteral("Transfer File"), QStringLiteral("Transfer files (*.txt);;All files (*)"),
+               FileUse::Save);
+    });
+    connect(cmdBrowseFilename, &QPushButton::clicked, this, [this] {
+        browse(txtFilename, QStringLiteral("Preview File"),
+               QStringLiteral("Rich text (*.rtf);;PDF document (*.pdf);;Plain text (*.txt);;All files (*)"), FileUse::Save);
+    });
     Form_Load();
 }
 
@@ -116,26 +140,39 @@ void frmSettings::buildLayout()
     }
 
     fraFile = newFrame("fraFile", this);
-    auto fileBox = [this](const char *name, const QString &caption, QVBoxLayout *layout) {
+    // A file name with its Browse button beside it.
+    auto fileBox = [this](const char *name, const QString &caption, QPushButton *&browse, QVBoxLayout *layout) {
         auto *box = new QLineEdit(fraFile);
         box->setObjectName(QLatin1String(name));
         auto *label = new QLabel(caption, fraFile);
         label->setBuddy(box);
+        browse = new QPushButton(QStringLiteral("&Browse..."), fraFile);
+        browse->setObjectName(QStringLiteral("cmdBrowse") + QLatin1String(name).mid(3));
+        browse->setAutoDefault(false);
+        auto *row = new QHBoxLayout;
+        row->addWidget(box, 1);
+        row->addWidget(browse);
         layout->addWidget(label);
-        layout->addWidget(box);
+        layout->addLayout(row);
         return box;
     };
     {
         auto *layout = new QVBoxLayout(fraFile);
         txtDatabase = fileBox("txtDatabase",
                               QStringLiteral("Path the the database (used for creating/restoring from backups)"),
-                              layout);
+                              cmdBrowseDatabase, layout);
         txtTransfer = fileBox("txtTransfer",
                               QStringLiteral("Filename used for recipe transfers (importing/exporting)"),
-                              layout);
+                              cmdBrowseTransfer, layout);
         txtFilename = fileBox("txtFilename",
                               QStringLiteral("Filename used to save the previewed text (*.rtf will save in Rich Text)"),
-                              layout);
+                              cmdBrowseFilename, layout);
+        auto *kinds = new QLabel(QStringLiteral("A name ending in .rtf saves rich text, .pdf a PDF document, any other "
+                                                "name plain text."),
+                                 fraFile);
+        kinds->setWordWrap(true);
+        kinds->setEnabled(false);
+        layout->addWidget(kinds);
         layout->addStretch();
     }
 
@@ -194,12 +231,16 @@ void frmSettings::buildLayout()
     buttons->addWidget(cmdReset);
     buttons->addWidget(cmdCancel);
 
+    // One frame shows at a time, in a space as large as the largest: the dialog keeps its
+    // size whichever tab is chosen.
+    m_frames = new QStackedWidget(this);
+    m_frames->addWidget(fraPrint);
+    m_frames->addWidget(fraFile);
+    m_frames->addWidget(fraAction);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(tsSettings);
     layout->setSpacing(0);
-    layout->addWidget(fraPrint, 1);
-    layout->addWidget(fraFile, 1);
-    layout->addWidget(fraAction, 1);
+    layout->addWidget(m_frames, 1);
     layout->addSpacing(10);
     layout->addLayout(buttons);
     tsSettings_Click();
@@ -213,10 +254,14 @@ void frmSettings::SetTab(int tab)
 
 void frmSettings::tsSettings_Click()
 {
-    const int index = tsSettings->currentIndex();
-    fraPrint->setVisible(index == 0);
-    fraFile->setVisible(index == 1);
-    fraAction->setVisible(index == 2);
+    m_frames->setCurrentIndex(tsSettings->currentIndex());
+}
+
+void frmSettings::browse(QLineEdit *box, const QString &title, const QString &filter, FileUse use)
+{
+    const QString chosen = AskFileName(title, box->text(), filter, use);
+    if (!chosen.isEmpty())
+        box->setText(QDir::toNativeSeparators(chosen));
 }
 
 void frmSettings::Form_Load()
@@ -230,13 +275,13 @@ void frmSettings::Form_Load()
     s.BlankLines = readSwitch(kPrint, QStringLiteral("BlankLines"));
     s.PageNumbers = readSwitch(kPrint, QStringLiteral("PageNumbers"));
     // An empty file name means the shipped default beside the program.
-    auto fileSetting = [](const QString &key, const char *fallback) {
+    auto fileSetting = [](const QString &key, const QString &fallback) {
         const QString value = GetIniValue(IniPath(), kFiles, key);
-        return value.isEmpty() ? shippedPath(fallback) : value;
+        return value.isEmpty() ? fallback : value;
     };
-    s.Transfer = fileSetting(QStringLiteral("Transfer"), "transfer.txt");
-    s.Preview = fileSetting(QStringLiteral("Preview"), "recipes.rtf");
-    s.Database = fileSetting(QStringLiteral("Database"), "pantrio.mdb");
+    s.Transfer = fileSetting(QStringLiteral("Transfer"), shippedPath("transfer.txt"));
+    s.Preview = fileSetting(QStringLiteral("Preview"), shippedPath("recipes.rtf"));
+    s.Database = fileSetting(QStringLiteral("Database"), defaultDatabase());
     s.RecipeView = readSwitch(kMisc, QStringLiteral("RecipeView"));
     s.Seek = readSwitch(kMisc, QStringLiteral("Seek"));
     s.SeekAmount = readSwitch(kMisc, QStringLiteral("SeekAmount"));
@@ -307,7 +352,7 @@ void frmSettings::cmdReset_Click()
     chkPageNumbers->setChecked(false);
     txtFilename->setText(shippedPath("recipes.rtf"));
     txtTransfer->setText(shippedPath("transfer.txt"));
-    txtDatabase->setText(shippedPath("pantrio.mdb"));
+    txtDatabase->setText(defaultDatabase());
     optSearch[0]->setChecked(true);
     chkSeek->setChecked(true);
     chkSeekAmount->setChecked(false);

@@ -1,6 +1,8 @@
 #pragma once
 // The settings dialog. Loading it is also how the program reads its settings into memory.
 
+#include "core/msgbox.h"
+
 #include <QDialog>
 
 #include <array>
@@ -11,6 +13,7 @@ class QFrame;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
+class QStackedWidget;
 class QTabBar;
 
 class frmSettings : public QDialog
@@ -32,6 +35,9 @@ public:
     QLineEdit *txtDatabase;
     QLineEdit *txtTransfer;
     QLineEdit *txtFilename;
+    QPushButton *cmdBrowseDatabase;
+    QPushButton *cmdBrowseTransfer;
+    QPushButton *cmdBrowseFilename;
     QCheckBox *chkSeek;
     QCheckBox *chkSeekAmount;
     std::array<QRadioButton *, 2> optSearch;
@@ -53,6 +59,8 @@ public Q_SLOTS:
 
 private:
     void buildLayout();
+    void browse(QLineEdit *box, const QString &title, const QString &filter, FileUse use);
+    QStackedWidget *m_frames;
     void readControls();
 };
 

@@ -56,6 +56,16 @@ QString ScriptedResponder::inputBox(const QString &prompt, const QString &title,
     return m_inputs.dequeue();
 }
 
+QString ScriptedResponder::fileName(const QString &title, const QString &current)
+{
+    fileDialogs << title << current;
+    if (m_files.isEmpty()) {
+        failures.append(QStringLiteral("unscripted file dialog: ") + title);
+        return {};
+    }
+    return m_files.dequeue();
+}
+
 void ScriptedResponder::showModal(QDialog *dialog)
 {
     if (m_modals.isEmpty()) {
@@ -81,7 +91,7 @@ QStringList ScriptedResponder::prompts() const
 
 bool ScriptedResponder::clean() const
 {
-    return failures.isEmpty() && m_answers.isEmpty() && m_inputs.isEmpty() && m_modals.isEmpty();
+    return failures.isEmpty() && m_answers.isEmpty() && m_inputs.isEmpty() && m_files.isEmpty() && m_modals.isEmpty();
 }
 
 QString ScriptedResponder::report() const
@@ -91,6 +101,8 @@ QString ScriptedResponder::report() const
         lines.append(QStringLiteral("%1 scripted answers unused").arg(m_answers.size()));
     if (!m_inputs.isEmpty())
         lines.append(QStringLiteral("%1 scripted inputs unused").arg(m_inputs.size()));
+    if (!m_files.isEmpty())
+        lines.append(QStringLiteral("%1 scripted file names unused").arg(m_files.size()));
     if (!m_modals.isEmpty())
         lines.append(QStringLiteral("%1 modal handlers unused").arg(m_modals.size()));
     lines.append(QStringLiteral("boxes: ") + prompts().join(QStringLiteral(" | ")));
@@ -105,6 +117,8 @@ void ScriptedResponder::clear()
     failures.clear();
     m_answers.clear();
     m_inputs.clear();
+    m_files.clear();
+    fileDialogs.clear();
     m_modals.clear();
     m_waited = 0;
 }

@@ -29,6 +29,7 @@ public:
 
     void answer(MsgResult result) { m_answers.enqueue(result); }
     void answerInput(const QString &text) { m_inputs.enqueue(text); }
+    void answerFile(const QString &path) { m_files.enqueue(path); }
     // What to do with the next modal dialog (fill it, press its buttons); it must hide it.
     void onModal(std::function<void(QDialog *)> handler) { m_modals.enqueue(std::move(handler)); }
     // What the user does during the next wait (clicks, keys).
@@ -36,12 +37,14 @@ public:
 
     MsgResult messageBox(const QString &prompt, MsgStyle style, const QString &title) override;
     QString inputBox(const QString &prompt, const QString &title, const QString &defaultText) override;
+    QString fileName(const QString &title, const QString &current) override;
     void showModal(QDialog *dialog) override;
     void wait(double seconds) override;
 
     QList<RecordedBox> boxes;
     QStringList inputPrompts;
     QStringList inputDefaults;
+    QStringList fileDialogs; // title, then the name it started from
     QStringList failures;
     // The status window's message at each wait.
     QStringList statusAtWait;
@@ -56,6 +59,7 @@ public:
 private:
     QQueue<MsgResult> m_answers;
     QQueue<QString> m_inputs;
+    QQueue<QString> m_files;
     QQueue<std::function<void(QDialog *)>> m_modals;
     double m_waited = 0;
 };
