@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
 #include <QTreeWidget>
@@ -141,7 +142,7 @@ private Q_SLOTS:
         QCOMPARE(plain.first(), QStringLiteral("Apple Pie"));
         QVERIFY(!plain.contains(QStringLiteral("Servings:\t8")));
         QVERIFY(plain.contains(QStringLiteral("Soup")));
-        QVERIFY(plain.contains(QStringLiteral("  01:\tMake the dough.")));
+        QVERIFY(plain.contains(QStringLiteral("  1:\tMake the dough."))); // the step as stored
         for (const PrintLine &line : m_shown[2].lines()) {
             QVERIFY(!line.newPage);
             QVERIFY(line.size() != 4.0); // no blanks between directions
@@ -222,6 +223,33 @@ private Q_SLOTS:
         p.SetFileName(m_home->path("missing/dir/report.rtf"));
         QVERIFY(!p.Save(&error));
         QVERIFY(error.contains(QStringLiteral("does not exist")));
+    }
+
+    void printedPagesCarryOnlyTheReport()
+    {
+        const QString reader = QStandardPaths::findExecutable(QStringLiteral("pdftotext"));
+        if (reader.isEmpty())
+            QSKIP("pdftotext (poppler-utils) is not installed");
+        RecipeData recipe = pie();
+        recipe.directions[0].direction = QStringLiteral("Rub the butter into the flour until it looks like fine crumbs, "
+                                                        "then add cold water a spoonful at a time and bring it together.");
+        RecipePrinter p;
+        ComposeRecipe(p, recipe, ReportSettings());
+        p.SetFileName(m_home->path("pie.pdf"));
+        QVERIFY(p.Save());
+        QProcess pdftotext;
+        pdftotext.start(reader, {QStringLiteral("-layout"), m_home->path("pie.pdf"), QStringLiteral("-")});
+        QVERIFY(pdftotext.waitForFinished(30000));
+        const QStringList lines = QString::fromUtf8(pdftotext.readAllStandardOutput()).split(u'\n');
+        // No page number at the foot of the page.
+        for (const QString &line : lines)
+            QVERIFY2(line.trimmed() != u"1", "a page number the report did not ask for");
+        // The wrapped direction goes on under its own text, not under the step number.
+        const qsizetype at = lines.indexOf(QRegularExpression(QStringLiteral("^\\s*01:\\s+Rub the butter.*")));
+        QVERIFY(at >= 0 && at + 1 < lines.size());
+        const qsizetype textColumn = lines[at].indexOf(QStringLiteral("Rub"));
+        const qsizetype nextColumn = lines[at + 1].indexOf(QRegularExpression(QStringLiteral("\\S")));
+        QVERIFY2(qAbs(nextColumn - textColumn) <= 1, qPrintable(lines[at] + u'\n' + lines[at + 1]));
     }
 
     void richTextOpensInLibreOffice()

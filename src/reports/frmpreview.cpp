@@ -47,7 +47,7 @@ frmPreview::~frmPreview() = default;
 
 void frmPreview::paintPages(QPrinter *printer)
 {
-    m_document->print(printer);
+    PrintDocument(*m_document, *printer);
 }
 
 void frmPreview::cmdPrint_Click()

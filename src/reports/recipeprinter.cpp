@@ -18,6 +18,9 @@
 
 namespace {
 
+// One tab stop past the longest label ("Prep Time:"), so the values line up.
+constexpr double kTabStop = 110;
+
 std::function<void(const RecipePrinter &)> &previewSink()
 {
     static std::function<void(const RecipePrinter &)> sink;
@@ -99,9 +102,8 @@ std::unique_ptr<QTextDocument> RecipePrinter::toDocument() const
 {
     auto document = std::make_unique<QTextDocument>();
     document->setUndoRedoEnabled(false);
-    // One tab stop past the longest label ("Prep Time:"), so the values line up.
     QTextOption option = document->defaultTextOption();
-    option.setTabStopDistance(110);
+    option.setTabStopDistance(kTabStop);
     document->setDefaultTextOption(option);
     QTextCursor cursor(document.get());
     bool first = true;
@@ -109,6 +111,11 @@ std::unique_ptr<QTextDocument> RecipePrinter::toDocument() const
         QTextBlockFormat block;
         if (line.newPage)
             block.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+        // A label or step number, a tab, then text: a long text wraps under itself.
+        if (line.text().contains(u'\t')) {
+            block.setLeftMargin(kTabStop);
+            block.setTextIndent(-kTabStop);
+        }
         const QTextCharFormat lineFormat = charFormat(line.runs.isEmpty() ? PrintRun() : line.runs.last());
         if (first) {
             cursor.setBlockFormat(block);
@@ -151,7 +158,7 @@ bool RecipePrinter::Save(QString *error) const
             printer.setOutputFormat(QPrinter::PdfFormat);
             printer.setOutputFileName(copy);
             printer.setPageMargins(QMarginsF(20, 20, 20, 20), QPageLayout::Millimeter);
-            toDocument()->print(&printer);
+            PrintDocument(*toDocument(), printer);
             RenameOver(copy, m_fileName);
         } else {
             ReplaceFile(m_fileName, suffix == u"rtf" ? WriteRtf(lines()) : plainText().toUtf8());
@@ -160,6 +167,13 @@ bool RecipePrinter::Save(QString *error) const
         return fail(cannot);
     }
     return true;
+}
+
+void PrintDocument(QTextDocument &document, QPrinter &printer)
+{
+    // The document measures in pixels of 96 to the inch; the paper in points.
+    document.setPageSize(printer.pageLayout().paintRect(QPageLayout::Point).size() * (96.0 / 72.0));
+    document.print(&printer);
 }
 
 void RecipePrinter::Show()

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 
+class QPrinter;
 class QTextDocument;
 
 struct PrintRun {
@@ -66,3 +67,7 @@ void SetPrintPreviewSink(std::function<void(const RecipePrinter &)> sink);
 // Fits a text to a fixed width of the fixed-width font: cut when longer; filled with spaces
 // when shorter, in front ("Right"), on both sides ("Center") or behind (anything else).
 QString PadText(const QString &text, int width, const QString &mode);
+
+// Prints the document on the printer's pages. It is laid out in pages of the printer's paper
+// first: a document laid out for the screen gets page numbers of the toolkit's own.
+void PrintDocument(QTextDocument &document, QPrinter &printer);

@@ -3,6 +3,7 @@
 #include "core/appstate.h"
 #include "core/controls.h"
 #include "core/database.h"
+#include "core/platform.h"
 #include "core/frmstatus.h"
 
 #include <QLabel>
@@ -108,7 +109,10 @@ void PrintRecipes(const QList<qint32> &ids)
         settings.blankLines = gSettings.BlankLines;
         settings.foodFacts = gRecipeType == u"Food";
         for (qsizetype i = 0; i < n; ++i) {
-            const RecipeData recipe = LoadRecipe(ids[i]);
+            RecipeData recipe = LoadRecipe(ids[i]);
+            // Steps are printed as the database holds them: 1, not the list's 01.
+            for (DirectionLine &line : recipe.directions)
+                line.step = QString::number(qint64(Val(line.step)));
             if (gSettings.NewPage && i >= 1)
                 printer.StartPage();
             if (frmStatus *window = StatusWindow())
