@@ -15,6 +15,9 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QDialog>
+#include <QPrintPreviewWidget>
+#include <QPushButton>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -285,6 +288,23 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Saved as: ") + m_home->path("shown.rtf")});
         QVERIFY(QFile::exists(m_home->path("shown.rtf")));
         SaveScreenshot(&preview, QStringLiteral("frmPreview"));
+
+        const qreal fitted = preview.pvwPages->zoomFactor();
+        QTest::mouseClick(preview.cmdZoomIn, Qt::LeftButton);
+        QVERIFY(preview.pvwPages->zoomFactor() > fitted);
+        QTest::mouseClick(preview.cmdZoomOut, Qt::LeftButton);
+        QTest::mouseClick(preview.cmdZoomOut, Qt::LeftButton);
+        QVERIFY(preview.pvwPages->zoomFactor() < fitted);
+        QTest::mouseClick(preview.cmdFitWidth, Qt::LeftButton);
+        QCOMPARE(preview.pvwPages->zoomMode(), QPrintPreviewWidget::FitToWidth);
+        // Print asks for the printer at once (no second preview); declined, nothing printed.
+        QString asked;
+        m_boxes->onModal([&](QDialog *d) {
+            asked = QString::fromLatin1(d->metaObject()->className());
+            d->reject();
+        });
+        QTest::mouseClick(preview.cmdPrint, Qt::LeftButton);
+        QCOMPARE(asked, QStringLiteral("QPrintDialog"));
     }
 
     void padText()

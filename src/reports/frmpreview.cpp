@@ -4,7 +4,7 @@
 
 #include <QHBoxLayout>
 #include <QPageLayout>
-#include <QPrintPreviewDialog>
+#include <QPrintDialog>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QPushButton>
@@ -24,11 +24,18 @@ frmPreview::frmPreview(const RecipePrinter &document, QWidget *parent)
     pvwPages = new QPrintPreviewWidget(m_printer.get(), this);
     pvwPages->setObjectName(QStringLiteral("pvwPages"));
     connect(pvwPages, &QPrintPreviewWidget::paintRequested, this, &frmPreview::paintPages);
+    cmdZoomIn = new QPushButton(QStringLiteral("Zoom &In"), this);
+    cmdZoomOut = new QPushButton(QStringLiteral("Zoom &Out"), this);
+    cmdFitWidth = new QPushButton(QStringLiteral("Fit &Width"), this);
     cmdPrint = new QPushButton(QStringLiteral("&Print..."), this);
     cmdSave = new QPushButton(QStringLiteral("&Save"), this);
     cmdSave->setToolTip(QStringLiteral("Save as %1").arg(document.fileName()));
     cmdClose = new QPushButton(QStringLiteral("&Close"), this);
     auto *buttons = new QHBoxLayout;
+    buttons->addWidget(cmdZoomIn);
+    buttons->addWidget(cmdZoomOut);
+    buttons->addWidget(cmdFitWidth);
+    buttons->addSpacing(12);
     buttons->addWidget(cmdPrint);
     buttons->addWidget(cmdSave);
     buttons->addStretch();
@@ -38,6 +45,9 @@ frmPreview::frmPreview(const RecipePrinter &document, QWidget *parent)
     layout->addLayout(buttons);
     resize(760, 900);
 
+    connect(cmdZoomIn, &QPushButton::clicked, pvwPages, [this] { pvwPages->zoomIn(); });
+    connect(cmdZoomOut, &QPushButton::clicked, pvwPages, [this] { pvwPages->zoomOut(); });
+    connect(cmdFitWidth, &QPushButton::clicked, pvwPages, &QPrintPreviewWidget::fitToWidth);
     connect(cmdPrint, &QPushButton::clicked, this, &frmPreview::cmdPrint_Click);
     connect(cmdSave, &QPushButton::clicked, this, &frmPreview::cmdSave_Click);
     connect(cmdClose, &QPushButton::clicked, this, &QWidget::close);
@@ -52,9 +62,12 @@ void frmPreview::paintPages(QPrinter *printer)
 
 void frmPreview::cmdPrint_Click()
 {
-    QPrintPreviewDialog dialog(m_printer.get(), this);
-    connect(&dialog, &QPrintPreviewDialog::paintRequested, this, &frmPreview::paintPages);
-    dialog.exec();
+    // The pages are already on screen: straight to the choice of printer.
+    QPrintDialog dialog(m_printer.get(), this);
+    dialog.setObjectName(QStringLiteral("dlgPrint"));
+    ShowModal(&dialog);
+    if (dialog.result() == QDialog::Accepted)
+        paintPages(m_printer.get());
 }
 
 void frmPreview::cmdSave_Click()

@@ -1,5 +1,5 @@
 #pragma once
-// The preview window: the composed document page by page, with Print, Save and Close.
+// The preview window: the composed document page by page, with zoom, Print, Save and Close.
 
 #include "recipeprinter.h"
 
@@ -18,6 +18,9 @@ public:
     ~frmPreview() override;
 
     QPrintPreviewWidget *pvwPages;
+    QPushButton *cmdZoomIn;
+    QPushButton *cmdZoomOut;
+    QPushButton *cmdFitWidth;
     QPushButton *cmdPrint;
     QPushButton *cmdSave;
     QPushButton *cmdClose;
