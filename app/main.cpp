@@ -2,6 +2,9 @@
 
 #include "core/database.h"
 #include "core/frmmain.h"
+#include "core/msgbox.h"
+#include "core/programdir.h"
+#include "core/singleinstance.h"
 #include "core/startup.h"
 #include "registerwindows.h"
 
@@ -12,8 +15,18 @@
 int main(int argc, char *argv[])
 {
     MirepanApplication app(argc, argv);
+    SingleInstance instance(SingleInstance::keyFor(ProgramDir()));
+    if (!instance.claim()) {
+        MsgBox(QStringLiteral("Mirepan is already running; its window has been brought forward."), Msg::Information);
+        return 0;
+    }
     RegisterWindows();
     std::unique_ptr<frmMain> main = Startup();
+    instance.onActivation = [&main] {
+        main->showNormal();
+        main->raise();
+        main->activateWindow();
+    };
 
     // The start-up benchmark asks for the moment the main window stands on screen.
     if (qEnvironmentVariableIsSet("MIREPAN_REPORT_SHOWN")) {

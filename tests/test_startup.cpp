@@ -7,6 +7,7 @@
 #include "core/frmmain.h"
 #include "core/frmstatus.h"
 #include "core/modini.h"
+#include "core/singleinstance.h"
 #include "core/startup.h"
 #include "core/windowhooks.h"
 #include "settings/frmsettings.h"
@@ -163,6 +164,25 @@ private Q_SLOTS:
         SetStatusProgress(7);
         QCOMPARE(StatusWindow()->lblPct->text(), QStringLiteral("100%"));
         SaveScreenshot(StatusWindow(), QStringLiteral("frmStatus"));
+    }
+
+    void aSecondStartBringsTheFirstForward()
+    {
+        const QString key = SingleInstance::keyFor(m_home->dir());
+        QCOMPARE(key, SingleInstance::keyFor(m_home->dir() + QStringLiteral("/."))); // however it is spelled
+        QVERIFY(key != SingleInstance::keyFor(m_home->path("other")));
+        int activations = 0;
+        {
+            SingleInstance running(key);
+            running.onActivation = [&] { ++activations; };
+            QVERIFY(running.claim());
+            SingleInstance second(key);
+            QVERIFY(!second.claim());
+            QTRY_COMPARE(activations, 1);
+        }
+        // Once the first has ended, the next start runs.
+        SingleInstance next(key);
+        QVERIFY(next.claim());
     }
 
     void exitIsRefusedWhileWorkingWindowsAreOpen()
