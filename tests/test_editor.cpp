@@ -358,6 +358,28 @@ private Q_SLOTS:
         QCOMPARE(e.lvwIngredients->topLevelItemCount(), 1);
     }
 
+    void onlyAnotherMirepanWindowCountsAsActivation()
+    {
+        frmAdd2 e;
+        e.TabbedView = true;
+        e.show();
+        QWidget other; // another Mirepan window
+        other.show();
+        e.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&e));
+        e.tabRecipe->setCurrentIndex(2);
+        e.txtDirection->setFocus();
+        // To another program and back: the tab and the field stay.
+        QApplication::setActiveWindow(nullptr);
+        QApplication::setActiveWindow(&e);
+        QCOMPARE(e.tabRecipe->currentIndex(), 2);
+        QCOMPARE(QApplication::focusWidget(), e.txtDirection);
+        // To another Mirepan window and back: the window's activation shows tab 1.
+        QApplication::setActiveWindow(&other);
+        QApplication::setActiveWindow(&e);
+        QCOMPARE(e.tabRecipe->currentIndex(), 0);
+    }
+
     void tabClicksMoveTheFocusOnlyWithTheMouse()
     {
         frmAdd2 e;

@@ -111,10 +111,13 @@ bool frmAdd2::event(QEvent *event)
     if (event->type() == QEvent::Show && !m_loaded)
         Guarded([this] { Form_Load(); });
     else if (event->type() == QEvent::WindowDeactivate)
-        m_leftForModal = QApplication::activeModalWidget() != nullptr;
+        // Where the user went: a message box or the resize dialog, another program (no
+        // Mirepan window is active then), or another Mirepan window.
+        m_leftForModal = QApplication::activeModalWidget() != nullptr || QApplication::activeWindow() == nullptr;
     else if (event->type() == QEvent::WindowActivate && m_loaded) {
-        // Coming back from a message box or the resize dialog is no new activation: the user
-        // stays on the tab the question was about.
+        // Only coming from another Mirepan window is an activation. Back from a question the
+        // user stays on the tab it was about; back from another program (with ingredients
+        // copied from a web page) on the tab and in the field they left.
         if (!m_leftForModal)
             Form_Activate();
         m_leftForModal = false;
