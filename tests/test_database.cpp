@@ -10,23 +10,16 @@
 #include <QSqlQuery>
 #include <QTest>
 
-class TestDatabase : public QObject
+class TestDatabase : public SessionTest
 {
     Q_OBJECT
-
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ScriptedResponder> m_boxes;
+public:
+    TestDatabase()
+        : SessionTest(false)
+    {
+    }
 
 private Q_SLOTS:
-    void init()
-    {
-        StartSession(m_home, m_boxes, false);
-    }
-    void cleanup()
-    {
-        EndSession(m_home, m_boxes);
-    }
-
     void prepareSql_data()
     {
         QTest::addColumn<QString>("sql");

@@ -53,12 +53,9 @@ void select(QTreeWidget *list, int row)
 
 } // namespace
 
-class TestEditor : public QObject
+class TestEditor : public SessionTest
 {
     Q_OBJECT
-
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ScriptedResponder> m_boxes;
 
     std::unique_ptr<frmAdd2> onePage(const QString &type = QStringLiteral("Food"))
     {
@@ -70,15 +67,6 @@ class TestEditor : public QObject
     }
 
 private Q_SLOTS:
-    void init()
-    {
-        StartSession(m_home, m_boxes);
-    }
-    void cleanup()
-    {
-        EndSession(m_home, m_boxes);
-    }
-
     void newEditorOpensEmptyAndCountsItself()
     {
         {

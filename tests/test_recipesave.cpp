@@ -31,12 +31,9 @@ RecipeData sampleRecipe(const QString &title)
 
 } // namespace
 
-class TestRecipeSave : public QObject
+class TestRecipeSave : public SessionTest
 {
     Q_OBJECT
-
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ScriptedResponder> m_boxes;
 
     std::unique_ptr<frmAdd2> newEditor()
     {
@@ -54,12 +51,8 @@ class TestRecipeSave : public QObject
 private Q_SLOTS:
     void init()
     {
-        StartSession(m_home, m_boxes);
+        SessionTest::init();
         gSettings.StandardAdd = true;
-    }
-    void cleanup()
-    {
-        EndSession(m_home, m_boxes);
     }
 
     void newRecipeGetsIdentifierOneAndTheWindowStaysOpen()

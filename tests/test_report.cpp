@@ -52,18 +52,16 @@ QStringList texts(const RecipePrinter &p)
 
 } // namespace
 
-class TestReport : public QObject
+class TestReport : public SessionTest
 {
     Q_OBJECT
 
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ScriptedResponder> m_boxes;
     QList<RecipePrinter> m_shown;
 
 private Q_SLOTS:
     void init()
     {
-        StartSession(m_home, m_boxes);
+        SessionTest::init();
         gSettings.Preview = m_home->path("recipes.rtf");
         m_shown.clear();
         SetPrintPreviewSink([this](const RecipePrinter &p) { m_shown.append(p); });
@@ -71,7 +69,7 @@ private Q_SLOTS:
     void cleanup()
     {
         SetPrintPreviewSink(nullptr);
-        EndSession(m_home, m_boxes);
+        SessionTest::cleanup();
     }
 
     void oneRecipeComposed()

@@ -38,12 +38,14 @@ std::function<void(QDialog *)> accept(const QString &count, const QString &denom
 
 } // namespace
 
-class TestResize : public QObject
+class TestResize : public SessionTest
 {
     Q_OBJECT
-
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ScriptedResponder> m_boxes;
+public:
+    TestResize()
+        : SessionTest(false)
+    {
+    }
 
     std::unique_ptr<frmAdd2> editorWith(const QString &servings, const QStringList &amountTexts)
     {
@@ -61,15 +63,6 @@ class TestResize : public QObject
     }
 
 private Q_SLOTS:
-    void init()
-    {
-        StartSession(m_home, m_boxes, false);
-    }
-    void cleanup()
-    {
-        EndSession(m_home, m_boxes);
-    }
-
     void dialogServingsModeAndExamples()
     {
         frmResize dialog;

@@ -60,12 +60,10 @@ void selectRows(frmSearch &s, const QList<int> &rows)
 
 } // namespace
 
-class TestSearch : public QObject
+class TestSearch : public SessionTest
 {
     Q_OBJECT
 
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ScriptedResponder> m_boxes;
     QList<RecipePrinter> m_previews;
 
     std::unique_ptr<frmSearch> window()
@@ -78,14 +76,14 @@ class TestSearch : public QObject
 private Q_SLOTS:
     void init()
     {
-        StartSession(m_home, m_boxes);
+        SessionTest::init();
         m_previews.clear();
         SetPrintPreviewSink([this](const RecipePrinter &p) { m_previews.append(p); });
     }
     void cleanup()
     {
         SetPrintPreviewSink(nullptr);
-        EndSession(m_home, m_boxes);
+        SessionTest::cleanup();
     }
 
     void exampleQueryText()

@@ -16,23 +16,16 @@
 #include <QTabBar>
 #include <QTest>
 
-class TestSettings : public QObject
+class TestSettings : public SessionTest
 {
     Q_OBJECT
-
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ScriptedResponder> m_boxes;
+public:
+    TestSettings()
+        : SessionTest(false)
+    {
+    }
 
 private Q_SLOTS:
-    void init()
-    {
-        StartSession(m_home, m_boxes, false);
-    }
-    void cleanup()
-    {
-        EndSession(m_home, m_boxes);
-    }
-
     void loadingFillsControlsAndMemory()
     {
         WriteFile(m_home->iniPath(),

@@ -196,6 +196,16 @@ void EndSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedRespond
     QVERIFY2(clean, qPrintable(report));
 }
 
+void SessionTest::init()
+{
+    StartSession(m_home, m_boxes, m_withDatabase);
+}
+
+void SessionTest::cleanup()
+{
+    EndSession(m_home, m_boxes);
+}
+
 int QueryNumber(const QString &sql)
 {
     const Recordset rs = ExecuteSQL(sql);

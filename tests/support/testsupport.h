@@ -6,6 +6,7 @@
 #include "core/shell.h"
 
 #include <QList>
+#include <QObject>
 #include <QQueue>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -98,6 +99,29 @@ public:
     QStringList opened;
     // When set, programs named reg_vesk run synchronously from this path.
     QString regVesk;
+};
+
+// A test class whose every test function gets a fresh session: a program directory (with an
+// open database unless told otherwise), the program-wide values as at start-up, and the
+// scripted responder; a box that came unexpected fails the test. A class with more to set up
+// declares its own init() and cleanup() and calls these first.
+class SessionTest : public QObject
+{
+    Q_OBJECT
+protected:
+    explicit SessionTest(bool withDatabase = true)
+        : m_withDatabase(withDatabase)
+    {
+    }
+    std::unique_ptr<TestHome> m_home;
+    std::unique_ptr<ScriptedResponder> m_boxes;
+
+protected Q_SLOTS:
+    void init();
+    void cleanup();
+
+private:
+    bool m_withDatabase;
 };
 
 // The start of a window test: a fresh program directory (with an open database unless told
