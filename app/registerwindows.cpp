@@ -1,5 +1,7 @@
 #include "registerwindows.h"
 
+#include "cabinet/cabinettools.h"
+#include "cabinet/frmcabinet.h"
 #include "core/windowhooks.h"
 #include "recipes/frmadd2.h"
 #include "search/frmsearch.h"
@@ -12,4 +14,8 @@ void RegisterWindows()
     hooks.settings = [] { ShowSettings(); };
     hooks.addRecipe = [] { OpenNewRecipeEditor(); };
     hooks.searchRecipes = [] { ShowSearchWindow(); };
+    hooks.cabinet = [] { ShowCabinetWindow(); };
+    hooks.cleanCabinet = [] { CleanCabinet(); };
+    hooks.refreshCabinet = [] { RefreshCabinet(); };
+    hooks.repairCabinet = [] { RepairCabinet(); };
 }

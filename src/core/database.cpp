@@ -151,6 +151,18 @@ bool IsDelimiterApostrophe(const QString &sql, qsizetype i)
     return before == u'(' || after == u',' || twoBefore == u"," || after == u')';
 }
 
+qsizetype DelimiterApostropheIn(const QString &text)
+{
+    // The text as it stands between the delimiters of an INSERT.
+    static const QString prefix = QStringLiteral("INSERT INTO T VALUES (0, '");
+    const QString statement = prefix + text + QStringLiteral("')");
+    for (qsizetype k = text.indexOf(u'\''); k >= 0; k = text.indexOf(u'\'', k + 1)) {
+        if (IsDelimiterApostrophe(statement, prefix.size() + k))
+            return k;
+    }
+    return -1;
+}
+
 QString PrepareSQL(QString &sql)
 {
     sql = Trim(sql);

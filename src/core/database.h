@@ -43,6 +43,9 @@ QString PrepareSQL(QString &sql);
 // Whether the apostrophe at position i of an INSERT is taken for a delimiter of a quoted value:
 // one that touches a comma or a parenthesis is; any other is part of a value and is doubled.
 bool IsDelimiterApostrophe(const QString &sql, qsizetype i);
+// The first apostrophe of a text that an INSERT would take for the end of the text (so the
+// text cannot be stored as it stands); -1 when there is none.
+qsizetype DelimiterApostropheIn(const QString &text);
 // Records the highest recipe identifier of the first start as [Misc] MaxRecipeID.
 void RecordMaxRecipeID();
 // The largest id of the table plus one; 1 for an empty table.

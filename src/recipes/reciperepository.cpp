@@ -78,17 +78,12 @@ QString difference(const RecipeData &meant, const RecipeData &stored)
 
 QString UnstorableText(const RecipeData &recipe)
 {
-    // Each text as it stands between the delimiters of an INSERT.
-    const QString prefix = QStringLiteral("INSERT INTO T VALUES (0, '");
     for (const NamedText &field : storedTexts(recipe)) {
-        const QString statement = prefix + field.text + QStringLiteral("')");
-        for (qsizetype k = field.text.indexOf(u'\''); k >= 0; k = field.text.indexOf(u'\'', k + 1)) {
-            if (IsDelimiterApostrophe(statement, prefix.size() + k)) {
-                return field.name + QStringLiteral(" cannot be stored as it stands: the apostrophe in \"") +
-                       excerpt(field.text, k) +
-                       QStringLiteral("\" touches a comma or a parenthesis and would end the text there. "
-                                      "Change the text around that apostrophe and save again.");
-            }
+        if (const qsizetype k = DelimiterApostropheIn(field.text); k >= 0) {
+            return field.name + QStringLiteral(" cannot be stored as it stands: the apostrophe in \"") +
+                   excerpt(field.text, k) +
+                   QStringLiteral("\" touches a comma or a parenthesis and would end the text there. "
+                                  "Change the text around that apostrophe and save again.");
         }
     }
     return {};

@@ -1,0 +1,209 @@
+#include "cabinettools.h"
+
+#include "core/controls.h"
+#include "core/database.h"
+#include "core/frmstatus.h"
+#include "core/msgbox.h"
+
+#include <QSet>
+#include <QStringList>
+
+namespace {
+
+const QString kNotConnected =
+    QStringLiteral("Because you were not able to connect to the database, all cabinet tools were disabled.");
+const QString kCleanQuestion = QStringLiteral(
+    "Cleaning the Cabinet will attempt to remove any ingredients from the cabinet that are not specified as "
+    "ingredients in the collection of recipes.\n\nWould you like to continue?");
+const QString kRefreshQuestion = QStringLiteral(
+    "Refreshing the Cabinet will make sure that all ingredients used in recipes are available in your Cabinet.\n\n"
+    "Would you like to continue?");
+const QString kRepairQuestion = QStringLiteral(
+    "Repairing the Cabinet will strip the cabinet ingredients up to the first delimeter.  Then it compares the "
+    "current cabinet item to this result and tries to use the most compact.  This process will attempt to compact "
+    "the number of specific ingredients that are listed in the Cabinet.\n\nDelimeters include the following "
+    "characters and strings: ( / - , or \n\nWould you like to continue?");
+
+// Asks the tool's question and checks the connection; false when the tool is not to run.
+bool startTool(const QString &question, const QString &title)
+{
+    if (MsgBox(question, Msg::Question, title) != MsgResult::Yes)
+        return false;
+    if (!gNotConnected)
+        return true;
+    MsgBox(kNotConnected, Msg::Ok, QStringLiteral("Message"));
+    return false;
+}
+
+// The progress of a tool: rows processed, shown against 100 and starting over at 100, since
+// the number of rows is not known in advance.
+class ProgressCounter
+{
+public:
+    void advance()
+    {
+        m_count = m_count + 1 >= 100 ? 0 : m_count + 1;
+        SetStatusProgress(m_count);
+    }
+
+private:
+    int m_count = 0;
+};
+
+// Names the statements could not carry (an apostrophe ends a name in them), so the user
+// knows what the tool passed over.
+void reportPassedOver(const QStringList &names, const QString &what)
+{
+    if (names.isEmpty())
+        return;
+    constexpr qsizetype kListed = 20;
+    QString list = names.mid(0, kListed).join(u'\n');
+    if (names.size() > kListed)
+        list += QStringLiteral("\n... and %1 more").arg(names.size() - kListed);
+    MsgBox(QStringLiteral("These names could not be %1, as an apostrophe in a name ends it in the database's "
+                          "statements; change them in their recipes:\n\n")
+                   .arg(what) +
+               list,
+           Msg::Information, QStringLiteral("Information"));
+}
+
+} // namespace
+
+QString StripToDelimiter(const QString &text)
+{
+    qsizetype cut = text.size();
+    qsizetype bound = text.size();
+    for (const QChar delimiter : {u',', u'-', u'(', u'/'}) {
+        const qsizetype p = text.indexOf(delimiter) + 1; // from 1; 0 when absent
+        if (p > 0 && p < bound) {
+            bound = p - 1;
+            cut = std::min(cut, p - 1);
+        }
+    }
+    const qsizetype p = text.toUpper().indexOf(QStringLiteral(" OR ")) + 1;
+    if (p > 0 && p < bound)
+        cut = std::min(cut, p);
+    if (cut < 3)
+        cut = text.size();
+    return text.left(cut).trimmed();
+}
+
+void CleanCabinet()
+{
+    if (!startTool(kCleanQuestion, QStringLiteral("Information")))
+        return;
+    QStringList passedOver;
+    {
+        WaitCursor busy;
+        StatusGuard status(QStringLiteral("Attempting to delete duplicates in the cabinet..."));
+        SetStatusMaximum(100);
+        ProgressCounter progress;
+        QStringList items;
+        gSQL = QStringLiteral("SELECT DISTINCT item FROM CABINET");
+        for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
+            items.append(rs.text(0));
+        for (const QString &item : items) {
+            gSQL = QStringLiteral("SELECT * FROM INGREDIENTS WHERE cabinet = '") + item + u'\'';
+            const Recordset used = ExecuteSQL(gSQL);
+            if (used.failed()) {
+                passedOver.append(item); // not asked about: whether it is used is not known
+            } else if (used.eof() &&
+                       MsgBox(QStringLiteral("Would you like to remove ") + item + QStringLiteral(" from the cabinet?"),
+                              Msg::Question, QStringLiteral("Confirmation")) == MsgResult::Yes) {
+                gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + item + u'\'';
+                ExecuteSQL(gSQL);
+            }
+            progress.advance();
+        }
+    }
+    reportPassedOver(passedOver, QStringLiteral("checked"));
+    MsgBox(QStringLiteral("The cabinet has been cleaned!"), Msg::Ok, QStringLiteral("Confirmation"));
+}
+
+void RefreshCabinet()
+{
+    if (!startTool(kRefreshQuestion, QStringLiteral("Information")))
+        return;
+    QStringList passedOver;
+    {
+        WaitCursor busy;
+        StatusGuard status(QStringLiteral("Refreshing cabinet..."));
+        SetStatusMaximum(100);
+        ProgressCounter progress;
+        // Only the pairs not yet in the cabinet are inserted: an existing pair would fail as a
+        // duplicate, once for every item the household already has.
+        QSet<QString> present;
+        for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT item, type FROM CABINET")); rs && !rs.eof(); rs.MoveNext())
+            present.insert(rs.text(0).toUpper() + u'\n' + rs.text(1).toUpper());
+        QList<std::pair<QString, QString>> missing;
+        gSQL = QStringLiteral("SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID");
+        for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {
+            const QString cabinet = rs.text(0);
+            const QString type = rs.text(1);
+            // An empty name (a line brought in without one) is no pantry item.
+            if (!cabinet.isEmpty() && !present.contains(cabinet.toUpper() + u'\n' + type.toUpper())) {
+                present.insert(cabinet.toUpper() + u'\n' + type.toUpper());
+                missing.append({cabinet, type});
+            }
+        }
+        StatementBatch batch; // one commit for all the new items
+        for (const auto &[cabinet, type] : missing) {
+            gSQL = QStringLiteral("INSERT INTO CABINET VALUES ('") + cabinet + QStringLiteral("', '") + type +
+                   QStringLiteral("', 0)");
+            if (ExecuteSQL(gSQL).failed())
+                passedOver.append(cabinet);
+            progress.advance();
+        }
+    }
+    reportPassedOver(passedOver, QStringLiteral("added"));
+    MsgBox(QStringLiteral("The cabinet has been refreshed!"), Msg::Information, QStringLiteral("Confirmation"));
+}
+
+void RepairCabinet()
+{
+    if (!startTool(kRepairQuestion, QStringLiteral("Confirmation")))
+        return;
+    QStringList passedOver;
+    {
+        WaitCursor busy;
+        StatusGuard status(QStringLiteral("Attempting to compact the database"));
+        SetStatusMaximum(100);
+        ProgressCounter progress;
+        QList<std::pair<QString, QString>> rows; // cabinet, ingredient
+        gSQL = QStringLiteral("SELECT DISTINCT cabinet, ingredient FROM INGREDIENTS");
+        for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
+            rows.append({rs.text(0), rs.text(1)});
+        for (const auto &[cabinet, ingredient] : rows) {
+            const QString stem = StripToDelimiter(ingredient);
+            const bool shorter = stem.toUpper() != cabinet.toUpper() && stem.size() < cabinet.size();
+            QString suggestion;
+            if (shorter) {
+                gSQL = QStringLiteral("SELECT cabinet FROM INGREDIENTS WHERE cabinet LIKE '%") + stem +
+                       QStringLiteral("%'");
+                const Recordset rs = ExecuteSQL(gSQL);
+                if (rs && !rs.eof())
+                    suggestion = rs.text(0);
+            }
+            const QString core = cabinet.left(std::max<qsizetype>(0, cabinet.size() - 3));
+            if (shorter && (suggestion.isEmpty() || suggestion != cabinet) &&
+                !ingredient.contains(core, Qt::CaseInsensitive)) {
+                if (frmStatus *window = StatusWindow())
+                    window->hide();
+                const QString question = QStringLiteral("Change the following?\n\nIngredient: ") + ingredient +
+                                         QStringLiteral("\nCurrently in cabinet as: ") + cabinet +
+                                         QStringLiteral("\nNew cabinet suggestion: ") + stem;
+                if (MsgBox(question, Msg::Question, QStringLiteral("Confirmation")) == MsgResult::Yes) {
+                    gSQL = QStringLiteral("UPDATE INGREDIENTS SET cabinet = '") + stem +
+                           QStringLiteral("' WHERE ingredient = '") + ingredient + u'\'';
+                    if (ExecuteSQL(gSQL).failed())
+                        passedOver.append(ingredient);
+                }
+                if (frmStatus *window = StatusWindow())
+                    window->show();
+            }
+            progress.advance();
+        }
+    }
+    reportPassedOver(passedOver, QStringLiteral("changed"));
+    MsgBox(QStringLiteral("The cabinet is in order!"));
+}

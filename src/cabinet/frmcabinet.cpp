@@ -1,0 +1,315 @@
+#include "frmcabinet.h"
+
+#include "cabinettools.h"
+
+#include "core/appstate.h"
+#include "core/controls.h"
+#include "core/database.h"
+#include "core/guard.h"
+#include "core/msgbox.h"
+#include "core/programdir.h"
+#include "reports/recipeprinter.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+const QString kAddPrompt = QStringLiteral("What item do you wish to add to the Cabinet?");
+const QString kDeleteQuestion = QStringLiteral("Are you sure you want to remove this item from the Cabinet?");
+const QString kCloseQuestion =
+    QStringLiteral("You have not saved your changes.\n\nWould you like to close your Cabinet without saving?");
+const QString kFont = QStringLiteral("Courier New");
+
+QString typeCode()
+{
+    return gRecipeType.left(1);
+}
+
+// What the statements cannot carry, said before anything is tried.
+bool refuseUnstorable(const QString &item)
+{
+    if (DelimiterApostropheIn(item) < 0)
+        return false;
+    MsgBox(QStringLiteral("The item \"") + item +
+               QStringLiteral("\" cannot be stored as it stands: an apostrophe next to a comma or a parenthesis "
+                              "would end it there."),
+           Msg::Critical, QStringLiteral("Error"));
+    return true;
+}
+
+} // namespace
+
+frmCabinet::frmCabinet(QWidget *parent)
+    : QWidget(parent, Qt::Window)
+{
+    setObjectName(QStringLiteral("frmCabinet"));
+    setWindowTitle(QStringLiteral("Cabinet"));
+    buildLayout();
+    connect(cboRecipeType, &QComboBox::activated, this, [this] { Guarded([this] { cboRecipeType_Click(); }); });
+    const std::pair<QPushButton *, void (frmCabinet::*)()> commands[] = {
+        {cmdAdd, &frmCabinet::cmdAdd_Click},         {cmdDelete, &frmCabinet::cmdDelete_Click},
+        {cmdAll, &frmCabinet::cmdAll_Click},         {cmdNone, &frmCabinet::cmdNone_Click},
+        {cmdSelected, &frmCabinet::cmdSelected_Click}, {cmdClearSelected, &frmCabinet::cmdClearSelected_Click},
+        {cmdToggle, &frmCabinet::cmdToggle_Click},   {cmdSave, &frmCabinet::cmdSave_Click},
+        {cmdPrint, &frmCabinet::cmdPrint_Click},     {cmdClean, &frmCabinet::cmdClean_Click},
+        {cmdClose, &frmCabinet::cmdClose_Click}};
+    for (const auto &[button, handler] : commands)
+        connect(button, &QPushButton::clicked, this, [this, handler] { Guarded([this, handler] { (this->*handler)(); }); });
+    // A tick set by the user is a change; the list's own loading sets none.
+    connect(lvwCabinet, &QTreeWidget::itemChanged, this, [this] { m_changed = true; });
+}
+
+frmCabinet::~frmCabinet()
+{
+    if (m_loaded && !m_unloaded)
+        SubWindowClosed();
+}
+
+void frmCabinet::buildLayout()
+{
+    lvwCabinet = Named(new QTreeWidget(this), "lvwCabinet");
+    lvwCabinet->setRootIsDecorated(false);
+    lvwCabinet->setHeaderLabels({QStringLiteral("Ingredient")});
+    lvwCabinet->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    lvwCabinet->setColumnWidth(0, 3700 / 15);
+    lvwCabinet->setMinimumWidth(3700 / 15 + 24);
+    cboRecipeType = Named(new QComboBox(this), "cboRecipeType");
+    auto button = [this](const char *name, const QString &caption) { return Named(new QPushButton(caption, this), name); };
+    cmdAdd = button("cmdAdd", QStringLiteral("&Add..."));
+    cmdDelete = button("cmdDelete", QStringLiteral("&Delete"));
+    cmdAll = button("cmdAll", QStringLiteral("Tick A&ll"));
+    cmdNone = button("cmdNone", QStringLiteral("&Untick All"));
+    cmdSelected = button("cmdSelected", QStringLiteral("T&ick Selected"));
+    cmdClearSelected = button("cmdClearSelected", QStringLiteral("Untick Sele&cted"));
+    cmdToggle = button("cmdToggle", QStringLiteral("&Toggle Selected"));
+    cmdSave = button("cmdSave", QStringLiteral("&Save"));
+    cmdPrint = button("cmdPrint", QStringLiteral("&Print"));
+    cmdClean = button("cmdClean", QStringLiteral("Clea&n"));
+    cmdClose = button("cmdClose", QStringLiteral("Cl&ose"));
+    cmdSave->setDefault(true);
+
+    auto *typeRow = new QHBoxLayout;
+    auto *typeLabel = new QLabel(QStringLiteral("&Recipe type:"), this);
+    typeLabel->setBuddy(cboRecipeType);
+    typeRow->addWidget(typeLabel);
+    typeRow->addWidget(cboRecipeType, 1);
+
+    auto *side = new QVBoxLayout;
+    side->addLayout(typeRow);
+    side->addSpacing(8);
+    for (QPushButton *b : {cmdAll, cmdNone, cmdSelected, cmdClearSelected, cmdToggle})
+        side->addWidget(b);
+    side->addSpacing(8);
+    for (QPushButton *b : {cmdAdd, cmdDelete, cmdClean})
+        side->addWidget(b);
+    side->addStretch();
+    for (QPushButton *b : {cmdSave, cmdPrint, cmdClose})
+        side->addWidget(b);
+
+    auto *layout = new QHBoxLayout(this);
+    layout->addWidget(lvwCabinet, 1);
+    layout->addLayout(side);
+    resize(520, 460);
+}
+
+bool frmCabinet::event(QEvent *event)
+{
+    if (event->type() == QEvent::Show && !m_loaded)
+        Guarded([this] { Form_Load(); });
+    return QWidget::event(event);
+}
+
+void frmCabinet::Form_Load()
+{
+    if (m_loaded)
+        return;
+    m_loaded = true;
+    SubWindowOpened();
+    FillRecipeTypes(cboRecipeType);
+    cboRecipeType->setCurrentText(gRecipeType);
+    LoadList();
+}
+
+void frmCabinet::LoadList()
+{
+    const QSignalBlocker quiet(lvwCabinet);
+    lvwCabinet->clear();
+    if (gNotConnected)
+        return;
+    gSQL = QStringLiteral("SELECT * FROM CABINET WHERE type = '") + typeCode() + u'\'';
+    QList<QTreeWidgetItem *> items;
+    for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {
+        auto *item = new QTreeWidgetItem({rs.text(QStringLiteral("item"))});
+        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+        item->setCheckState(0, rs.value(QStringLiteral("available")).toLongLong() != 0 ? Qt::Checked : Qt::Unchecked);
+        items.append(item);
+    }
+    lvwCabinet->addTopLevelItems(items);
+    lvwCabinet->sortItems(0, Qt::AscendingOrder);
+}
+
+void frmCabinet::cboRecipeType_Click()
+{
+    // Switching types never loses ticks: the old type's are saved first.
+    if (m_changed)
+        cmdSave_Click();
+    gRecipeType = cboRecipeType->currentText();
+    LoadList();
+}
+
+void frmCabinet::tick(Tick how, bool selectedOnly)
+{
+    const QSignalBlocker quiet(lvwCabinet);
+    for (int i = 0; i < lvwCabinet->topLevelItemCount(); ++i) {
+        QTreeWidgetItem *item = lvwCabinet->topLevelItem(i);
+        if (selectedOnly && !item->isSelected())
+            continue;
+        const bool on = how == Tick::On || (how == Tick::Invert && item->checkState(0) != Qt::Checked);
+        item->setCheckState(0, on ? Qt::Checked : Qt::Unchecked);
+    }
+    m_changed = true;
+}
+
+void frmCabinet::cmdAll_Click()
+{
+    tick(Tick::On, false);
+}
+
+void frmCabinet::cmdNone_Click()
+{
+    tick(Tick::Off, false);
+}
+
+void frmCabinet::cmdSelected_Click()
+{
+    tick(Tick::On, true);
+}
+
+void frmCabinet::cmdClearSelected_Click()
+{
+    tick(Tick::Off, true);
+}
+
+void frmCabinet::cmdToggle_Click()
+{
+    tick(Tick::Invert, true);
+}
+
+void frmCabinet::cmdAdd_Click()
+{
+    const QString item = InputBox(kAddPrompt, QStringLiteral("Confirmation"));
+    if (item.isEmpty() || ReportNotConnected() || refuseUnstorable(item))
+        return;
+    gSQL = QStringLiteral("INSERT INTO CABINET VALUES ('") + item + QStringLiteral("', '") + typeCode() +
+           QStringLiteral("', 0)");
+    ExecuteSQL(gSQL);
+    m_changed = true;
+    LoadList();
+}
+
+void frmCabinet::cmdDelete_Click()
+{
+    if (MsgBox(kDeleteQuestion, Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+        return;
+    QTreeWidgetItem *selected = lvwCabinet->currentItem();
+    if (!selected || !selected->isSelected()) {
+        MsgBox(QStringLiteral("You must select an item!"), Msg::Ok, QStringLiteral("Error"));
+        return;
+    }
+    const QString item = selected->text(0);
+    gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + item + u'\'';
+    if (ExecuteSQL(gSQL).failed())
+        MsgBox(QStringLiteral("The item \"") + item +
+                   QStringLiteral("\" could not be removed: an apostrophe in its name ends it in the statement."),
+               Msg::Critical, QStringLiteral("Error"));
+    LoadList();
+}
+
+void frmCabinet::cmdSave_Click()
+{
+    if (ReportNotConnected())
+        return;
+    QStringList notSaved;
+    {
+        WaitCursor busy;
+        StatementBatch batch; // one commit for the whole list
+        for (int i = 0; i < lvwCabinet->topLevelItemCount(); ++i) {
+            const QTreeWidgetItem *item = lvwCabinet->topLevelItem(i);
+            gSQL = QStringLiteral("UPDATE CABINET SET available = ") +
+                   (item->checkState(0) == Qt::Checked ? QStringLiteral("True") : QStringLiteral("False")) +
+                   QStringLiteral(" WHERE item = '") + item->text(0) + QStringLiteral("' AND type = '") + typeCode() +
+                   u'\'';
+            if (ExecuteSQL(gSQL).failed())
+                notSaved.append(item->text(0));
+        }
+    }
+    m_changed = false;
+    if (!notSaved.isEmpty())
+        MsgBox(QStringLiteral("The ticks of these items could not be saved, as an apostrophe in a name ends it in "
+                              "the statement:\n\n") +
+                   notSaved.join(u'\n'),
+               Msg::Critical, QStringLiteral("Error"));
+}
+
+void frmCabinet::cmdPrint_Click()
+{
+    RecipePrinter printer;
+    printer.SetFileName(JoinPath(ProgramDir(), QStringLiteral("cabinet.txt")));
+    printer.AddLine(gRecipeType + QStringLiteral(" Cabinet"), kFont, 10, true, false);
+    printer.AddLine(QString(), kFont, 9, false, false);
+    for (int i = 0; i < lvwCabinet->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem *item = lvwCabinet->topLevelItem(i);
+        printer.AddLine((item->checkState(0) == Qt::Checked ? QStringLiteral(" * ") : QStringLiteral("   ")) +
+                            item->text(0),
+                        kFont, 9, false, false);
+    }
+    printer.Show();
+}
+
+void frmCabinet::cmdClean_Click()
+{
+    if (m_changed)
+        cmdSave_Click(); // the clean reads the table: ticks not yet saved would be lost
+    CleanCabinet();
+    LoadList();
+}
+
+void frmCabinet::cmdClose_Click()
+{
+    close();
+}
+
+void frmCabinet::closeEvent(QCloseEvent *event)
+{
+    if (m_changed && MsgBox(kCloseQuestion, Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes) {
+        event->ignore();
+        return;
+    }
+    if (m_loaded && !m_unloaded) {
+        m_unloaded = true;
+        SubWindowClosed();
+    }
+    event->accept();
+}
+
+void ShowCabinetWindow()
+{
+    static QPointer<frmCabinet> window;
+    if (!window) {
+        window = new frmCabinet;
+        window->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    window->show();
+    window->raise();
+    window->activateWindow();
+}

@@ -1,0 +1,294 @@
+// The cabinet: the window's ticks, items and listing, the tools that keep it in step with the
+// recipes, and the search for what can be made from it.
+
+#include "cabinet/cabinettools.h"
+#include "cabinet/frmcabinet.h"
+#include "core/appstate.h"
+#include "core/database.h"
+#include "recipes/reciperepository.h"
+#include "reports/recipeprinter.h"
+#include "search/frmsearch.h"
+#include "support/testsupport.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QTest>
+#include <QTreeWidget>
+
+namespace {
+
+void addItem(const char *item, const char *type, bool available = false)
+{
+    ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('%1', '%2', %3)").arg(QLatin1String(item), QLatin1String(type)).arg(available ? 1 : 0));
+}
+
+// The cabinet of a type as "item" or "item*" (available), in item order.
+QStringList cabinet(const char *type)
+{
+    QStringList items;
+    for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT item, available FROM CABINET WHERE type = '%1' ORDER BY item").arg(QLatin1String(type)));
+         rs && !rs.eof(); rs.MoveNext())
+        items.append(rs.text(0) + (rs.integer(1) ? QStringLiteral("*") : QString()));
+    return items;
+}
+
+QStringList shown(const frmCabinet &w)
+{
+    QStringList items;
+    for (int i = 0; i < w.lvwCabinet->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem *item = w.lvwCabinet->topLevelItem(i);
+        items.append(item->text(0) + (item->checkState(0) == Qt::Checked ? QStringLiteral("*") : QString()));
+    }
+    return items;
+}
+
+void selectItems(frmCabinet &w, const QStringList &names)
+{
+    w.lvwCabinet->clearSelection();
+    for (int i = 0; i < w.lvwCabinet->topLevelItemCount(); ++i) {
+        QTreeWidgetItem *item = w.lvwCabinet->topLevelItem(i);
+        if (names.contains(item->text(0))) {
+            item->setSelected(true);
+            w.lvwCabinet->setCurrentItem(item, 0, QItemSelectionModel::NoUpdate);
+        }
+    }
+}
+
+void storeRecipe(qint32 id, const char *type, const QList<QStringList> &lines)
+{
+    RecipeData r;
+    r.recipeType = QLatin1String(type);
+    r.title = QStringLiteral("Recipe %1").arg(id);
+    for (const QStringList &line : lines)
+        r.ingredients.append({QStringLiteral("%1").arg(r.ingredients.size() + 1, 2, 10, QLatin1Char('0')),
+                              QStringLiteral("1"), QStringLiteral("cup"), line[0], line[1]});
+    QVERIFY(StoreRecipe(r, id, false));
+}
+
+} // namespace
+
+class TestCabinet : public SessionTest
+{
+    Q_OBJECT
+
+    QList<RecipePrinter> m_printed;
+
+private Q_SLOTS:
+    void init()
+    {
+        SessionTest::init();
+        m_printed.clear();
+        SetPrintPreviewSink([this](const RecipePrinter &p) { m_printed.append(p); });
+    }
+    void cleanup()
+    {
+        SetPrintPreviewSink(nullptr);
+        SessionTest::cleanup();
+    }
+
+    void stems_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("stem");
+        QTest::newRow("comma") << "onion, chopped" << "onion";
+        QTest::newRow("parenthesis") << "tomatoes (canned)" << "tomatoes";
+        QTest::newRow("or") << "salt or pepper" << "salt";
+        QTest::newRow("OR in any case") << "bread OR rolls" << "bread";
+        QTest::newRow("too short a stem") << "1-2 eggs" << "1-2 eggs";
+        QTest::newRow("slash, trimmed") << "  rice / beans" << "rice";
+        QTest::newRow("the first delimiter counts") << "flour (plain), sifted" << "flour";
+        QTest::newRow("delimiter at the end") << "garlic-" << "garlic-";
+        QTest::newRow("no delimiter") << "  Crème fraîche " << "Crème fraîche";
+    }
+    void stems()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, stem);
+        QCOMPARE(StripToDelimiter(text), stem);
+    }
+
+    void ticksAreSavedAndSurviveATypeSwitch()
+    {
+        addItem("salt", "F");
+        addItem("pepper", "F", true);
+        addItem("lime", "D");
+        frmCabinet w;
+        w.show();
+        QCOMPARE(gSubWindows, qint16(1));
+        QCOMPARE(w.cboRecipeType->currentText(), QStringLiteral("Food"));
+        QCOMPARE(shown(w), (QStringList{"pepper*", "salt"}));
+        SaveScreenshot(&w, QStringLiteral("frmCabinet"));
+        w.lvwCabinet->topLevelItem(1)->setCheckState(0, Qt::Checked); // by the user
+        QVERIFY(w.changed());
+        w.cboRecipeType->setCurrentIndex(1);
+        w.cboRecipeType_Click();
+        QCOMPARE(cabinet("F"), (QStringList{"pepper*", "salt*"}));
+        QCOMPARE(shown(w), QStringList{QStringLiteral("lime")});
+        QCOMPARE(gRecipeType, QStringLiteral("Drink"));
+        QVERIFY(!w.changed());
+        w.close(); // nothing unsaved: no question
+        QCOMPARE(gSubWindows, qint16(0));
+    }
+
+    void tickButtons()
+    {
+        for (const char *item : {"a", "b", "c", "d"})
+            addItem(item, "F");
+        frmCabinet w;
+        w.show();
+        w.cmdAll_Click();
+        QCOMPARE(shown(w), (QStringList{"a*", "b*", "c*", "d*"}));
+        selectItems(w, {"b", "c"});
+        w.cmdClearSelected_Click();
+        QCOMPARE(shown(w), (QStringList{"a*", "b", "c", "d*"}));
+        selectItems(w, {"a", "b"});
+        w.cmdToggle_Click();
+        QCOMPARE(shown(w), (QStringList{"a", "b*", "c", "d*"}));
+        w.cmdNone_Click();
+        selectItems(w, {"c"});
+        w.cmdSelected_Click();
+        QCOMPARE(shown(w), (QStringList{"a", "b", "c*", "d"}));
+        QVERIFY(w.changed());
+        m_boxes->answer(MsgResult::No); // keep the window
+        w.cmdClose_Click();
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You have not saved your changes.\n\nWould you like to close your Cabinet without saving?")});
+        QVERIFY(w.isVisible());
+        w.cmdSave_Click();
+        QCOMPARE(cabinet("F"), (QStringList{"a", "b", "c*", "d"}));
+        w.cmdPrint_Click();
+        QCOMPARE(m_printed.size(), 1);
+        QCOMPARE(m_printed[0].fileName(), m_home->path("cabinet.txt"));
+        QStringList lines;
+        for (const PrintLine &line : m_printed[0].lines())
+            lines.append(line.text());
+        QCOMPARE(lines, (QStringList{"Food Cabinet", "", "   a", "   b", " * c", "   d"}));
+        w.cmdClose_Click();
+        QVERIFY(!w.isVisible());
+    }
+
+    void addingAndDeletingItems()
+    {
+        addItem("mint", "F");
+        addItem("mint", "D");
+        addItem("sugar", "D");
+        frmCabinet w;
+        w.show();
+        // Added exactly as typed, whatever the letters; the window is then changed.
+        for (const QString &item : {QStringLiteral("Crème fraîche"), QStringLiteral("Mom's 100% jam"), QString(10000, u'z')}) {
+            m_boxes->answerInput(item);
+            w.cmdAdd_Click();
+        }
+        QCOMPARE(m_boxes->inputPrompts.first(), QStringLiteral("What item do you wish to add to the Cabinet?"));
+        QCOMPARE(cabinet("F"), (QStringList{"Crème fraîche", "mint", "Mom's 100% jam", QString(10000, u'z')}));
+        QVERIFY(w.changed());
+        // A name the statement cannot carry is refused by name, and nothing else changes.
+        m_boxes->answerInput(QStringLiteral("Salt (coarse')"));
+        w.cmdAdd_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The item \"Salt (coarse')\" cannot be stored as it stands: an apostrophe next to a comma or a parenthesis would end it there."));
+        QCOMPARE(cabinet("F").size(), 4);
+        // Deleting removes the item from every type's cabinet.
+        m_boxes->answer(MsgResult::Yes);
+        w.lvwCabinet->clearSelection();
+        w.lvwCabinet->setCurrentItem(nullptr);
+        w.cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("You must select an item!"));
+        selectItems(w, {"mint"});
+        m_boxes->answer(MsgResult::Yes);
+        w.cmdDelete_Click();
+        QCOMPARE(cabinet("F").size(), 3);
+        QCOMPARE(cabinet("D"), QStringList{QStringLiteral("sugar")});
+        // A tick on a name with an apostrophe cannot be saved: said, the others saved.
+        w.cmdAll_Click();
+        w.cmdSave_Click();
+        QVERIFY(m_boxes->prompts().last().endsWith(QStringLiteral("the statement:\n\nMom's 100% jam")));
+        QVERIFY(cabinet("F").contains(QStringLiteral("Crème fraîche*")));
+        w.close();
+    }
+
+    void cleanDeletesOnlyUnusedItemsAndAsksForEach()
+    {
+        storeRecipe(1, "Food", {{"Salt", "salt"}});
+        addItem("salt", "F");
+        addItem("saffron", "F");
+        addItem("saffron", "D");
+        addItem("thyme", "F");
+        m_boxes->answer(MsgResult::Yes); // clean
+        m_boxes->answer(MsgResult::Yes); // saffron
+        m_boxes->answer(MsgResult::No);  // thyme
+        CleanCabinet();
+        QCOMPARE(m_boxes->prompts(), (QStringList{
+            "Cleaning the Cabinet will attempt to remove any ingredients from the cabinet that are not specified as ingredients in the collection of recipes.\n\nWould you like to continue?",
+            "Would you like to remove saffron from the cabinet?", "Would you like to remove thyme from the cabinet?",
+            "The cabinet has been cleaned!"}));
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Information"));
+        QCOMPARE(cabinet("F"), (QStringList{"salt", "thyme"}));
+        QCOMPARE(cabinet("D"), QStringList());
+    }
+
+    void refreshAddsExactlyTheMissingPairs()
+    {
+        storeRecipe(1, "Food", {{"Salt", "salt"}, {"Onion, chopped", "onion"}});
+        storeRecipe(2, "Drink", {{"Lime juice", "lime"}, {"Salt", "salt"}});
+        addItem("Salt", "F", true);
+        m_boxes->answer(MsgResult::Yes);
+        RefreshCabinet();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The cabinet has been refreshed!"));
+        QCOMPARE(m_boxes->boxes.last().style.icon, MsgIcon::Information);
+        QCOMPARE(m_boxes->boxes.size(), 2); // no failure box for the pair already there
+        QCOMPARE(cabinet("F"), (QStringList{"onion", "Salt*"}));
+        QCOMPARE(cabinet("D"), (QStringList{"lime", "salt"}));
+    }
+
+    void repairProposesStemsAndRenamesEveryRow()
+    {
+        // A cabinet name that holds the stem already is found as its own suggestion: left.
+        storeRecipe(1, "Food", {{"scallions, sliced", "green onion sliced"}, {"tomatoes (canned)", "tomatoes canned"}});
+        storeRecipe(2, "Food", {{"scallions, sliced", "green onion sliced"}, {"basil", "basil"}});
+        m_boxes->answer(MsgResult::Yes); // repair
+        m_boxes->answer(MsgResult::Yes); // the change
+        RepairCabinet();
+        QCOMPARE(m_boxes->prompts().at(1), QStringLiteral("Change the following?\n\nIngredient: scallions, sliced\nCurrently in cabinet as: green onion sliced\nNew cabinet suggestion: scallions"));
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The cabinet is in order!"));
+        QCOMPARE(m_boxes->boxes.size(), 3);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE cabinet = 'scallions'"), 2);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE cabinet = 'tomatoes canned'"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE cabinet = 'basil'"), 1);
+    }
+
+    void toolsDeclinedOrUnconnectedDoNothing()
+    {
+        addItem("thyme", "F");
+        for (auto tool : {&CleanCabinet, &RefreshCabinet, &RepairCabinet}) {
+            m_boxes->answer(MsgResult::No);
+            tool();
+        }
+        QCOMPARE(m_boxes->boxes.size(), 3);
+        QCOMPARE(cabinet("F"), QStringList{QStringLiteral("thyme")});
+        CloseDatabase();
+        m_boxes->answer(MsgResult::Yes);
+        RefreshCabinet();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Because you were not able to connect to the database, all cabinet tools were disabled."));
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
+    }
+
+    void searchFindsWhatTheCabinetCanMake()
+    {
+        storeRecipe(1, "Food", {{"Salt", "salt"}, {"Onion", "onion"}});
+        storeRecipe(2, "Food", {{"Salt", "salt"}});
+        frmSearch s;
+        s.show();
+        s.chkCabinet->setChecked(true);
+        s.cmdSearch_Click(); // nothing in the cabinet yet: said, not an empty list
+        QVERIFY(m_boxes->prompts().last().startsWith(QStringLiteral("The Food cabinet is empty")));
+        addItem("salt", "F", true);
+        addItem("onion", "F");
+        s.cmdSearch_Click();
+        QCOMPARE(s.lblResults->text(), QStringLiteral("Results: 1"));
+        QCOMPARE(s.lvwRecipes->topLevelItem(0)->text(1), QStringLiteral("Recipe 2"));
+        s.close();
+    }
+};
+
+QTEST_MAIN(TestCabinet)
+#include "test_cabinet.moc"
