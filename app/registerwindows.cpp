@@ -2,6 +2,7 @@
 
 #include "cabinet/cabinettools.h"
 #include "cabinet/frmcabinet.h"
+#include "core/dbupkeep.h"
 #include "core/windowhooks.h"
 #include "recipes/frmadd2.h"
 #include "search/frmsearch.h"
@@ -18,4 +19,7 @@ void RegisterWindows()
     hooks.cleanCabinet = [] { CleanCabinet(); };
     hooks.refreshCabinet = [] { RefreshCabinet(); };
     hooks.repairCabinet = [] { RepairCabinet(); };
+    hooks.backupDatabase = [] { BackupDatabase(); };
+    hooks.restoreDatabase = [] { RestoreDatabase(); };
+    hooks.resetRatings = [] { ResetRatings(); };
 }

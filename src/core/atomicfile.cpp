@@ -71,3 +71,25 @@ void ReplaceFile(const QString &path, const QByteArray &data, const QString &tem
     }
     RenameOver(temp, path);
 }
+
+void CopyFileOver(const QString &from, const QString &to)
+{
+    QFile in(from);
+    if (!in.open(QIODevice::ReadOnly))
+        throw PlatformError(PlatformError::FileAccess, from);
+    const QString temp = CopyBeside(to);
+    QFile out(temp);
+    bool written = out.open(QIODevice::WriteOnly | QIODevice::Truncate);
+    QByteArray chunk;
+    while (written && !in.atEnd()) {
+        chunk = in.read(1 << 20);
+        written = !chunk.isEmpty() && out.write(chunk) == chunk.size();
+    }
+    written = written && out.flush() && syncToDisk(out);
+    out.close();
+    if (!written) {
+        QFile::remove(temp);
+        throw PlatformError(PlatformError::FileAccess, to);
+    }
+    RenameOver(temp, to);
+}

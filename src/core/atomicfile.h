@@ -17,3 +17,6 @@ void ReplaceFile(const QString &path, const QByteArray &data, const QString &tem
 // cannot; the copy is then removed and the original untouched).
 QString CopyBeside(const QString &path, const QString &tempName = {});
 void RenameOver(const QString &copy, const QString &path);
+
+// Copies the file from over the file to, in one step as above (to need not exist).
+void CopyFileOver(const QString &from, const QString &to);

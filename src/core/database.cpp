@@ -13,6 +13,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QUuid>
 
 #include <initializer_list>
 
@@ -133,6 +134,23 @@ bool OpenDatabase(OpenFailure *failure)
     prepareConnection(db);
     gNotConnected = false;
     return true;
+}
+
+QString RecipeDatabaseProblem(const QString &file)
+{
+    if (!QFileInfo(file).isFile())
+        return QStringLiteral("the file does not exist");
+    const QString name = QStringLiteral("check-") + QUuid::createUuid().toString();
+    QString problem;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(file);
+        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        problem = db.open() ? recipeDatabaseProblem(db) : db.lastError().text();
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return problem;
 }
 
 void CloseDatabase()

@@ -33,6 +33,9 @@ struct OpenFailure {
 // failure (when given) says which; the file is never written to then.
 bool OpenDatabase(OpenFailure *failure = nullptr);
 void CloseDatabase();
+// Why the SQLite file cannot serve as the recipe database (damaged, not a database, a table
+// or column missing); "" when it can. Reads only.
+QString RecipeDatabaseProblem(const QString &file);
 // Trims the statement in place, prepares it (PrepareSQL), translates it to the engine's
 // dialect and runs it. A failed statement answers a result whose failed() is true.
 Recordset ExecuteSQL(QString &sql);

@@ -1,0 +1,128 @@
+// Database upkeep: backup, restore and the rating reset, on a real database file.
+
+#include "core/appstate.h"
+#include "core/database.h"
+#include "core/dbupkeep.h"
+#include "support/testsupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+class TestUpkeep : public SessionTest
+{
+    Q_OBJECT
+
+    QString file(const char *name) const { return m_home->path(QLatin1String(name)); }
+    QString dir() const { return m_home->dir() + u'/'; }
+    void addRecipe(int id, const char *rating = "")
+    {
+        ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (%1, '', 'F', '', 'Soup %1', '00:00', '00:00', '', '%2')")
+                       .arg(id)
+                       .arg(QLatin1String(rating)));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        SessionTest::init();
+        gSettings.Database = m_home->databasePath();
+    }
+
+    void backupAndRestore()
+    {
+        addRecipe(1);
+        m_boxes->answer(MsgResult::Yes);
+        BackupDatabase();
+        QCOMPARE(m_boxes->prompts(), (QStringList{
+            QStringLiteral("This will make a backup copy of %1PANTRIO.MDB as %1PANTRIO.BAK.\nAre you sure you want to backup the current database?").arg(dir()),
+            QStringLiteral("Backup created as: %1PANTRIO.BAK").arg(dir())}));
+        QCOMPARE(m_boxes->boxes.last().style.icon, MsgIcon::Information);
+        QCOMPARE(m_boxes->statusAtWait, (QStringList(2, QStringLiteral("Please wait while the database is disconnected, copied, and reconnected..."))));
+        QVERIFY(!gNotConnected);
+        QCOMPARE(RecipeDatabaseProblem(file("PANTRIO.BAK")), QString());
+
+        // An existing backup is kept when the user says No.
+        addRecipe(2);
+        const QByteArray backup = ReadBytes(file("PANTRIO.BAK"));
+        m_boxes->clear();
+        m_boxes->answer(MsgResult::Yes);
+        m_boxes->answer(MsgResult::No);
+        BackupDatabase();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("There is already a backup DB.  Do you want to overwrite it?"));
+        QCOMPARE(ReadBytes(file("PANTRIO.BAK")), backup);
+        QVERIFY(!gNotConnected);
+
+        // Restoring keeps the replaced database as PANTRIO.OLD, twice over.
+        for (int round = 0; round < 2; ++round) {
+            const QByteArray live = ReadBytes(file("PANTRIO.MDB"));
+            m_boxes->clear();
+            m_boxes->answer(MsgResult::Yes);
+            RestoreDatabase();
+            QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Database restored from: %1PANTRIO.BAK and copied to %1PANTRIO.OLD").arg(dir()));
+            QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Confirmation"));
+            QCOMPARE(ReadBytes(file("PANTRIO.MDB")), backup);
+            QCOMPARE(ReadBytes(file("PANTRIO.OLD")), live);
+            QVERIFY(!gNotConnected);
+            QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
+        }
+        QCOMPARE(QDir(m_home->dir()).entryList({QStringLiteral("*.new")}), QStringList());
+    }
+
+    void refusalsTouchNothing()
+    {
+        addRecipe(1);
+        const QByteArray live = ReadBytes(file("PANTRIO.MDB"));
+        // No backup yet: refused before anything is asked.
+        RestoreDatabase();
+        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You do not have a backup database yet!\n\nYou must backup your database before you can recover!")});
+        // A backup that is no database.
+        WriteFile(file("PANTRIO.BAK"), "not a database at all");
+        m_boxes->answer(MsgResult::Yes);
+        RestoreDatabase();
+        QVERIFY(m_boxes->prompts().last().startsWith(QStringLiteral("The backup %1PANTRIO.BAK cannot be restored: it is not a database").arg(dir())));
+        // A backup that cannot be written (the copy's place is taken).
+        QDir().mkpath(file("PANTRIO.BAK.new/x"));
+        m_boxes->answer(MsgResult::Yes);
+        m_boxes->answer(MsgResult::Yes);
+        BackupDatabase();
+        QVERIFY(m_boxes->prompts().last().startsWith(QStringLiteral("The backup could not be made as %1PANTRIO.BAK.").arg(dir())));
+        QCOMPARE(ReadBytes(file("PANTRIO.BAK")), QByteArray("not a database at all"));
+        QCOMPARE(ReadBytes(file("PANTRIO.MDB")), live);
+        QVERIFY(!QFile::exists(file("PANTRIO.OLD")));
+        QVERIFY(!gNotConnected);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
+    }
+
+    void pathsThatNameNoDatabase()
+    {
+        gSettings.Database = QStringLiteral("PANTRIO.MDB"); // no directory
+        BackupDatabase();
+        RestoreDatabase();
+        QCOMPARE(m_boxes->prompts(), QStringList(2, QStringLiteral("You have not set the filename for the database yet!")));
+        gSettings.Database = m_home->path("away/PANTRIO.MDB");
+        BackupDatabase();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("There was a problem locating %1away/ PANTRIO.MDB!\nPlease check the DB Path in your settings.").arg(dir()));
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Database not found"));
+    }
+
+    void ratingsAreReset()
+    {
+        addRecipe(1, "***");
+        addRecipe(2, "*");
+        m_boxes->answer(MsgResult::No);
+        ResetRatings();
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE rating = ''"), 0);
+        m_boxes->answer(MsgResult::Yes);
+        ResetRatings();
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE rating = ''"), 2);
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("All recipe ratings have been reset."));
+        CloseDatabase();
+        m_boxes->answer(MsgResult::Yes);
+        ResetRatings();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
+    }
+};
+
+QTEST_MAIN(TestUpkeep)
+#include "test_upkeep.moc"
