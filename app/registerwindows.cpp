@@ -6,6 +6,7 @@
 #include "core/windowhooks.h"
 #include "recipes/frmadd2.h"
 #include "search/frmsearch.h"
+#include "settings/frmmaint.h"
 #include "settings/frmsettings.h"
 
 void RegisterWindows()
@@ -13,6 +14,7 @@ void RegisterWindows()
     WindowHooks &hooks = Hooks();
     hooks.loadSettings = [] { LoadSettings(); };
     hooks.settings = [] { ShowSettings(); };
+    hooks.listMaintenance = [] { ShowListMaintenance(); };
     hooks.addRecipe = [] { OpenNewRecipeEditor(); };
     hooks.searchRecipes = [] { ShowSearchWindow(); };
     hooks.cabinet = [] { ShowCabinetWindow(); };

@@ -3,6 +3,7 @@
 #include "core/appstate.h"
 #include "core/database.h"
 #include "core/modini.h"
+#include "settings/frmmaint.h"
 #include "settings/frmsettings.h"
 #include "support/testsupport.h"
 
@@ -15,6 +16,7 @@
 #include <QRadioButton>
 #include <QTabBar>
 #include <QTest>
+#include <QTreeWidget>
 
 class TestSettings : public SessionTest
 {
@@ -129,6 +131,72 @@ private Q_SLOTS:
             if (saved[i] != shipped[i]) // only the three file names changed, in place
                 QVERIFY2(shipped[i].endsWith(u'=') && saved[i].startsWith(shipped[i]), qPrintable(saved[i]));
         }
+    }
+
+    void listMaintenance()
+    {
+        frmMaint w;
+        w.show();
+        SaveScreenshot(&w, QStringLiteral("frmMaint"));
+        QCOMPARE(w.windowTitle(), QStringLiteral("Maintenance"));
+        QCOMPARE(w.cboSection->count(), 10);
+        QCOMPARE(w.cboSection->itemText(9), QStringLiteral("Rating"));
+        QCOMPARE(w.lvwEntries->topLevelItem(1)->text(0), QStringLiteral("01=Appetizers"));
+        w.lvwEntries->setCurrentItem(w.lvwEntries->topLevelItem(1));
+        w.lvwEntries_Click();
+        QCOMPARE(w.txtData[0]->text(), QStringLiteral("01"));
+        QCOMPARE(w.txtData[1]->text(), QStringLiteral("Appetizers"));
+        const auto enter = [&](const char *order, const char *value) {
+            w.txtData[0]->setText(QLatin1String(order));
+            w.txtData[1]->setText(QLatin1String(value));
+        };
+        const auto entries = [&] { return GetIniSection(m_home->iniPath(), QStringLiteral("Category_Food")); };
+        // An existing order changes in place; a new one lands in text order ("10" before "9").
+        enter("01", "Starters");
+        w.cmdAdd_Click();
+        enter("055", "Pies");
+        w.cmdAdd_Click();
+        enter("9", "Pickles");
+        w.cmdAdd_Click();
+        QStringList expected = entries();
+        QCOMPARE(expected.mid(0, 2), (QStringList{"00=", "01=Starters"}));
+        // Compared with its "=": "05=" sorts after "055".
+        QCOMPARE(expected.indexOf(QStringLiteral("055=Pies")) + 1, expected.indexOf(QStringLiteral("05=Main Dishes")));
+        QCOMPARE(expected.last(), QStringLiteral("9=Pickles"));
+        QCOMPARE(w.lvwEntries->topLevelItemCount(), expected.size());
+        // Only the exact "00" is the default: "0" and "000" are entries like any other.
+        enter("00", "x");
+        w.cmdAdd_Click();
+        w.cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts(), (QStringList{
+            "Users are not permitted to change this list item.  \nThis is the default value of the selected list!",
+            "Users are not permitted to remove this list item.  \nThis is the default value of the selected list!"}));
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Invalid Option"));
+        for (const char *order : {"0", "000"}) {
+            enter(order, "odd");
+            w.cmdAdd_Click();
+            QVERIFY(entries().contains(QLatin1String(order) + QStringLiteral("=odd")));
+            QCOMPARE(w.txtData[0]->text(), QString()); // the boxes are emptied after each change
+            enter(order, "odd");
+            m_boxes->answer(MsgResult::Yes);
+            w.cmdDelete_Click();
+            QVERIFY(!entries().contains(QLatin1String(order) + QStringLiteral("=odd")));
+        }
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Are you sure you want to remove the entry: 000=odd?"));
+        enter("", "nothing");
+        w.cmdAdd_Click();
+        w.cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts().mid(4), (QStringList{"You must have an order entered and a section selected.",
+                                                        "You must enter the ID/Order for the item to delete!"}));
+        // The first entry of an absent section creates it at the end of the file.
+        DeleteIniKey(m_home->iniPath(), QStringLiteral("Rating"), QStringLiteral("00"));
+        WriteFile(m_home->iniPath(), ReadFile(m_home->iniPath()).replace(QStringLiteral("[Rating]"), QStringLiteral("[Gone]")).toUtf8());
+        w.cboSection->setCurrentIndex(9);
+        w.cboSection_Click();
+        QCOMPARE(w.lvwEntries->topLevelItemCount(), 1); // one empty entry
+        enter("01", "*");
+        w.cmdAdd_Click();
+        QVERIFY(ReadFile(m_home->iniPath()).endsWith(QStringLiteral("\n\n[Rating]\n01=*\n")));
     }
 
     void resetThenCancelLeavesTheFileUnchanged()
