@@ -67,6 +67,22 @@ void reportPassedOver(const QStringList &names, const QString &what)
            Msg::Information, QStringLiteral("Information"));
 }
 
+// Runs a tool's work under the hourglass and the progress window, then names what it passed
+// over.
+template<typename Work>
+void runTool(const QString &status, const QString &passedWhat, Work work)
+{
+    QStringList passedOver;
+    {
+        WaitCursor busy;
+        StatusGuard guard(status);
+        SetStatusMaximum(100);
+        ProgressCounter progress;
+        work(progress, passedOver);
+    }
+    reportPassedOver(passedOver, passedWhat);
+}
+
 } // namespace
 
 QString StripToDelimiter(const QString &text)
@@ -92,12 +108,8 @@ void CleanCabinet()
 {
     if (!startTool(kCleanQuestion, QStringLiteral("Information")))
         return;
-    QStringList passedOver;
-    {
-        WaitCursor busy;
-        StatusGuard status(QStringLiteral("Attempting to delete duplicates in the cabinet..."));
-        SetStatusMaximum(100);
-        ProgressCounter progress;
+    runTool(QStringLiteral("Attempting to delete duplicates in the cabinet..."), QStringLiteral("checked"),
+            [](ProgressCounter &progress, QStringList &passedOver) {
         QStringList items;
         gSQL = QStringLiteral("SELECT DISTINCT item FROM CABINET");
         for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
@@ -115,8 +127,7 @@ void CleanCabinet()
             }
             progress.advance();
         }
-    }
-    reportPassedOver(passedOver, QStringLiteral("checked"));
+    });
     MsgBox(QStringLiteral("The cabinet has been cleaned!"), Msg::Ok, QStringLiteral("Confirmation"));
 }
 
@@ -124,12 +135,7 @@ void RefreshCabinet()
 {
     if (!startTool(kRefreshQuestion, QStringLiteral("Information")))
         return;
-    QStringList passedOver;
-    {
-        WaitCursor busy;
-        StatusGuard status(QStringLiteral("Refreshing cabinet..."));
-        SetStatusMaximum(100);
-        ProgressCounter progress;
+    runTool(QStringLiteral("Refreshing cabinet..."), QStringLiteral("added"), [](ProgressCounter &progress, QStringList &passedOver) {
         // Only the pairs not yet in the cabinet are inserted: an existing pair would fail as a
         // duplicate, once for every item the household already has.
         QSet<QString> present;
@@ -154,8 +160,7 @@ void RefreshCabinet()
                 passedOver.append(cabinet);
             progress.advance();
         }
-    }
-    reportPassedOver(passedOver, QStringLiteral("added"));
+    });
     MsgBox(QStringLiteral("The cabinet has been refreshed!"), Msg::Information, QStringLiteral("Confirmation"));
 }
 
@@ -163,12 +168,8 @@ void RepairCabinet()
 {
     if (!startTool(kRepairQuestion, QStringLiteral("Confirmation")))
         return;
-    QStringList passedOver;
-    {
-        WaitCursor busy;
-        StatusGuard status(QStringLiteral("Attempting to compact the database"));
-        SetStatusMaximum(100);
-        ProgressCounter progress;
+    runTool(QStringLiteral("Attempting to compact the database"), QStringLiteral("changed"),
+            [](ProgressCounter &progress, QStringList &passedOver) {
         QList<std::pair<QString, QString>> rows; // cabinet, ingredient
         gSQL = QStringLiteral("SELECT DISTINCT cabinet, ingredient FROM INGREDIENTS");
         for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
@@ -203,7 +204,6 @@ void RepairCabinet()
             }
             progress.advance();
         }
-    }
-    reportPassedOver(passedOver, QStringLiteral("changed"));
+    });
     MsgBox(QStringLiteral("The cabinet is in order!"));
 }

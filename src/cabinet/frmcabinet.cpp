@@ -305,11 +305,5 @@ void frmCabinet::closeEvent(QCloseEvent *event)
 void ShowCabinetWindow()
 {
     static QPointer<frmCabinet> window;
-    if (!window) {
-        window = new frmCabinet;
-        window->setAttribute(Qt::WA_DeleteOnClose);
-    }
-    window->show();
-    window->raise();
-    window->activateWindow();
+    ShowOnly(window);
 }

@@ -2,6 +2,7 @@
 // Small helpers every window uses on its controls.
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 class QComboBox;
@@ -37,6 +38,21 @@ void FillRecipeTypes(QComboBox *combo);
 // entry (without regard to case) completes it, the completed rest selected so that typing
 // goes on. Deleting never completes. Runs only while enabled() says so.
 void InstallSeek(QComboBox *combo, bool (*enabled)());
+
+// The one window of its kind: made on first use (and deleted when it closes), shown and
+// brought forward.
+template<typename W>
+W *ShowOnly(QPointer<W> &window)
+{
+    if (!window) {
+        window = new W;
+        window->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    window->show();
+    window->raise();
+    window->activateWindow();
+    return window;
+}
 
 // The hourglass pointer for the lifetime of the guard.
 class WaitCursor

@@ -136,11 +136,5 @@ void frmMaint::cmdDelete_Click()
 void ShowListMaintenance()
 {
     static QPointer<frmMaint> window;
-    if (!window) {
-        window = new frmMaint;
-        window->setAttribute(Qt::WA_DeleteOnClose);
-    }
-    window->show();
-    window->raise();
-    window->activateWindow();
+    ShowOnly(window);
 }

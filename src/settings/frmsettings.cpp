@@ -1,6 +1,7 @@
 #include "frmsettings.h"
 
 #include "core/appstate.h"
+#include "core/controls.h"
 #include "core/database.h"
 #include "core/datasources.h"
 #include "core/guard.h"
@@ -373,12 +374,5 @@ void LoadSettings()
 void ShowSettings(int tab)
 {
     static QPointer<frmSettings> open;
-    if (!open) {
-        open = new frmSettings;
-        open->setAttribute(Qt::WA_DeleteOnClose);
-    }
-    open->SetTab(tab);
-    open->show();
-    open->raise();
-    open->activateWindow();
+    ShowOnly(open)->SetTab(tab);
 }
