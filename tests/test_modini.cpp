@@ -208,7 +208,7 @@ private Q_SLOTS:
         QRandomGenerator random(20261123);
         for (int kill = 0; kill < 200; ++kill) {
             QProcess writer;
-            writer.start(QStringLiteral(MIREPAN_INI_WRITER), {m_ini});
+            writer.start(QStringLiteral(MIREPAN_WRITE_LOOP), {QStringLiteral("ini"), m_ini});
             QVERIFY(writer.waitForReadyRead(10000));
             QThread::usleep(random.bounded(20000));
             writer.kill();

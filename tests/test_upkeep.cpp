@@ -7,6 +7,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QThread>
 #include <QTest>
 
 class TestUpkeep : public SessionTest
@@ -67,6 +70,29 @@ private Q_SLOTS:
             QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
         }
         QCOMPARE(QDir(m_home->dir()).entryList({QStringLiteral("*.new")}), QStringList());
+    }
+
+    void killedRestoresLeaveAWholeDatabase()
+    {
+        // A restore puts the backup in place as the copy loop does: killed at any moment, the
+        // live file is whole, the old one or the new one, never missing or cut short.
+        const QByteArray first(2 << 20, 'a');
+        const QByteArray second(2 << 20, 'b');
+        WriteFile(file("first.BAK"), first);
+        WriteFile(file("second.BAK"), second);
+        WriteFile(file("live.MDB"), first);
+        QRandomGenerator random(1123);
+        for (int kill = 0; kill < 60; ++kill) {
+            QProcess writer;
+            writer.start(QStringLiteral(MIREPAN_WRITE_LOOP),
+                         {QStringLiteral("copy"), file(kill % 2 ? "first.BAK" : "second.BAK"), file("live.MDB")});
+            QVERIFY(writer.waitForReadyRead(10000));
+            QThread::usleep(random.bounded(15000));
+            writer.kill();
+            QVERIFY(writer.waitForFinished(10000));
+            const QByteArray live = ReadBytes(file("live.MDB"));
+            QVERIFY2(live == first || live == second, qPrintable(QStringLiteral("kill %1: %2 bytes").arg(kill).arg(live.size())));
+        }
     }
 
     void refusalsTouchNothing()
