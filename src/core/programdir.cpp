@@ -14,9 +14,9 @@ bool isWritableDir(const QString &dir)
     return info.isDir() && info.isWritable();
 }
 
-QString userDataDir()
+// The user's own program directory, stocked once with the shipped files found in from.
+QString userDataDir(const QString &from)
 {
-    const QString appDir = QCoreApplication::applicationDirPath();
     QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     if (dir.isEmpty())
         dir = QDir::homePath() + QStringLiteral("/.mirepan");
@@ -25,7 +25,7 @@ QString userDataDir()
     for (const char *name : {"pantrio.ini", "schema.sql", "vesk_um.rtf", "README.md"}) {
         const QString target = dir + u'/' + QLatin1String(name);
         if (!QFileInfo::exists(target))
-            QFile::copy(appDir + u'/' + QLatin1String(name), target);
+            QFile::copy(from + u'/' + QLatin1String(name), target);
     }
     return dir;
 }
@@ -39,7 +39,11 @@ QString ProgramDir()
         return QDir::cleanPath(home);
     static const QString dir = [] {
         const QString appDir = QCoreApplication::applicationDirPath();
-        return isWritableDir(appDir) ? appDir : userDataDir();
+        // An installed program ships its files in share/mirepan and never writes beside itself.
+        const QString shipped = QDir::cleanPath(appDir + QStringLiteral("/../share/mirepan"));
+        if (QFileInfo(shipped + QStringLiteral("/pantrio.ini")).isFile())
+            return userDataDir(shipped);
+        return isWritableDir(appDir) ? appDir : userDataDir(appDir);
     }();
     return dir;
 }

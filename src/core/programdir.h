@@ -3,9 +3,10 @@
 
 #include <QString>
 
-// The program directory: $MIREPAN_HOME when set; else the executable's directory when the
-// program may write there; else the user's data directory, stocked on first use with the
-// files shipped beside the executable.
+// The program directory: $MIREPAN_HOME when set; for an installed program (its files in
+// ../share/mirepan) the user's data directory, stocked on first use with those files; else
+// the executable's directory when the program may write there (a build tree, a portable
+// folder), or the user's data directory stocked with the files beside the executable.
 QString ProgramDir();
 // Joins a directory and a file name with the native separator, whichever separator the
 // directory was written with.

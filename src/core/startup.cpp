@@ -80,6 +80,8 @@ MirepanApplication::MirepanApplication(int &argc, char **argv)
     setApplicationName(QStringLiteral("Mirepan"));
     setOrganizationName(QStringLiteral("Mirepan"));
     setApplicationVersion(QStringLiteral(MIREPAN_VERSION));
+    // Ties the windows to the menu entry and its icon on the desktop.
+    setDesktopFileName(QStringLiteral("org.mirepan.Mirepan"));
 }
 
 bool MirepanApplication::notify(QObject *receiver, QEvent *event)
