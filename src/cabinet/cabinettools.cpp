@@ -56,14 +56,10 @@ void reportPassedOver(const QStringList &names, const QString &what)
 {
     if (names.isEmpty())
         return;
-    constexpr qsizetype kListed = 20;
-    QString list = names.mid(0, kListed).join(u'\n');
-    if (names.size() > kListed)
-        list += QStringLiteral("\n... and %1 more").arg(names.size() - kListed);
     MsgBox(QStringLiteral("These names could not be %1, as an apostrophe in a name ends it in the database's "
                           "statements; change them in their recipes:\n\n")
                    .arg(what) +
-               list,
+               MessageList(names),
            Msg::Information, QStringLiteral("Information"));
 }
 

@@ -3,6 +3,7 @@
 #include "msgbox.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPointer>
 #include <QProgressBar>
@@ -74,6 +75,27 @@ void SetStatusProgress(int value)
     g_status->lblPct->setText(QString::number(100 * bar->value() / std::max(1, bar->maximum())) +
                               u'%');
     g_status->repaint();
+}
+
+void ShowStatusStep(const QString &message, int value)
+{
+    static QElapsedTimer sincePaint;
+    if (!g_status) {
+        ShowStatus(message);
+        sincePaint.start();
+    }
+    QProgressBar *bar = g_status->pgbStatus;
+    const bool paint = !sincePaint.isValid() || sincePaint.elapsed() >= 50 || value >= bar->maximum() ||
+                       bar->isHidden();
+    if (!paint) {
+        // Painted with the next step that is due.
+        g_status->lblMessage->setText(message);
+        bar->setValue(std::clamp(value, bar->minimum(), bar->maximum()));
+        return;
+    }
+    g_status->lblMessage->setText(message);
+    SetStatusProgress(value);
+    sincePaint.start();
 }
 
 void CloseStatus()

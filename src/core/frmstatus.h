@@ -21,6 +21,10 @@ public:
 void ShowStatus(const QString &message);
 // Sets the progress bar (and its percentage) and repaints.
 void SetStatusProgress(int value);
+// One step of a long task: the message and the bar's value. The window is repainted at most
+// every 50 ms (and at the last step), so thousands of quick steps do not spend their time
+// painting.
+void ShowStatusStep(const QString &message, int value);
 // Sets the bar's end value (100 unless told).
 void SetStatusMaximum(int maximum);
 // Unloads the status window.

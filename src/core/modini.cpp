@@ -79,27 +79,9 @@ QString sectionName(const QString &line)
     return close < 0 ? line.mid(1) : line.mid(1, close - 1);
 }
 
-// A settings file as last read or written, with the line of each section's first header:
-// start-up and every window read dozens of values, and a large file must be read once for
-// all of them, not once for each.
-struct IniDocument {
-    FileStamp stamp;
-    IniText text;
-    QHash<QString, qsizetype> headers;
+} // namespace
 
-    void index()
-    {
-        headers.clear();
-        for (qsizetype i = 0; i < text.lines.size(); ++i) {
-            const QString &line = text.lines[i];
-            if (opensSection(line))
-                if (const QString name = sectionName(line); !headers.contains(name))
-                    headers.insert(name, i);
-        }
-    }
-    // The line of the section's first header; -1 when the file has no such section.
-    qsizetype headerOf(const QString &section) const { return headers.value(section, -1); }
-};
+namespace {
 
 IniText decode(const QByteArray &bytes)
 {
@@ -125,7 +107,7 @@ IniText decode(const QByteArray &bytes)
     return text;
 }
 
-bool fitsLatin1(const QString &text)
+bool fitsLatin1(QStringView text)
 {
     return std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 0x100; });
 }
@@ -152,16 +134,182 @@ QByteArray encode(const IniText &text)
     return bytes;
 }
 
-// The documents read so far, by path; the settings file and a transfer file at the most.
-QHash<QString, std::shared_ptr<IniDocument>> &documents()
+// The first p characters of a line, p being the position of its first "=" (or its length).
+QStringView keyPart(const QString &line)
 {
-    static QHash<QString, std::shared_ptr<IniDocument>> cache;
+    const qsizetype eq = line.indexOf(u'=');
+    return eq < 0 ? QStringView(line) : QStringView(line).left(eq + 1);
+}
+
+} // namespace
+
+// A settings file as last read or written, with the line of each section's first header:
+// start-up and every window read dozens of values, and a large file must be read once for
+// all of them, not once for each. Writes change the lines in place, with the same result as
+// composing the file anew.
+struct IniDocument {
+    FileStamp stamp;
+    IniText text;
+    bool exists = false; // a missing file is written without a blank line before its section
+    QHash<QString, qsizetype> headers;
+    qsizetype lastHeader = -1;
+
+    void index()
+    {
+        headers.clear();
+        lastHeader = -1;
+        for (qsizetype i = 0; i < text.lines.size(); ++i)
+            noteHeader(i);
+    }
+
+    // The line of the section's first header; -1 when the file has no such section.
+    qsizetype headerOf(const QString &section) const { return headers.value(section, -1); }
+
+    QString value(const QString &section, const QString &key) const
+    {
+        const QStringList &lines = text.lines;
+        for (qsizetype i = headerOf(section) + 1; i > 0 && i < lines.size(); ++i) {
+            const QString &line = lines[i];
+            if (line.isEmpty())
+                continue;
+            if (opensSection(line))
+                return {};
+            const qsizetype eq = line.indexOf(u'=');
+            if (eq >= 1 && QStringView(line).left(eq) == key)
+                return line.mid(eq + 1);
+        }
+        return {};
+    }
+
+    QStringList section(const QString &section) const
+    {
+        QStringList result;
+        const QStringList &lines = text.lines;
+        for (qsizetype i = headerOf(section) + 1; i > 0 && i < lines.size(); ++i) {
+            const QString &line = lines[i];
+            if (opensSection(line))
+                break;
+            if (!line.isEmpty())
+                result.append(line);
+        }
+        if (result.isEmpty())
+            result.append(QString()); // a missing or empty section reads as one empty entry
+        return result;
+    }
+
+    // Writes the whole line into the section. The rules are those of a writer that copies the
+    // file line by line: after the section's header, empty lines are passed; a line of the
+    // same key is replaced (with ordered insertion, the line goes before the first line whose
+    // key sorts after it); the next section's header or the file's last line gets the new
+    // line after it. An absent section is appended.
+    void write(const QString &section, const QString &newLine, bool ordered)
+    {
+        const qsizetype header = headerOf(section);
+        if (header < 0) {
+            if (exists)
+                text.lines.append(QString());
+            text.lines.append(QLatin1Char('[') + section + QLatin1Char(']'));
+            noteHeader(text.lines.size() - 1);
+            text.lines.append(newLine);
+        } else {
+            placeAfterHeader(header, newLine, ordered);
+        }
+        exists = true;
+        if (newLine.contains(u'\n') || newLine.contains(u'\r')) {
+            // A line break in a value makes more lines (and maybe another line end) once the
+            // file is read again; the lines in memory are those a reader would find.
+            text = decode(encode(text));
+            index();
+        } else if (text.latin1 && !fitsLatin1(newLine)) {
+            text.latin1 = false; // the file is written as UTF-8 from now on
+        }
+    }
+
+    void removeKey(const QString &section, const QString &key)
+    {
+        const QStringList &lines = text.lines;
+        for (qsizetype i = headerOf(section) + 1; i > 0 && i < lines.size(); ++i) {
+            const QString &line = lines[i];
+            if (opensSection(line))
+                return;
+            const qsizetype eq = line.indexOf(u'=');
+            if (eq >= 0 && QStringView(line).left(eq) == key) {
+                text.lines.removeAt(i);
+                shiftHeaders(i, -1);
+                return;
+            }
+        }
+    }
+
+private:
+    void noteHeader(qsizetype i)
+    {
+        const QString &line = text.lines[i];
+        if (!opensSection(line))
+            return;
+        if (const QString name = sectionName(line); !headers.contains(name))
+            headers.insert(name, i);
+        lastHeader = std::max(lastHeader, i);
+    }
+
+    void insertLine(qsizetype at, const QString &line)
+    {
+        text.lines.insert(at, line);
+        shiftHeaders(at, 1);
+    }
+
+    // Headers at or after the line move by delta; appending at the end moves none.
+    void shiftHeaders(qsizetype from, qsizetype delta)
+    {
+        if (from > lastHeader)
+            return;
+        for (auto it = headers.begin(); it != headers.end(); ++it)
+            if (it.value() >= from)
+                it.value() += delta;
+        lastHeader += delta;
+    }
+
+    void placeAfterHeader(qsizetype header, const QString &newLine, bool ordered)
+    {
+        const qsizetype n = text.lines.size();
+        if (header == n - 1) {
+            text.lines.append(newLine); // the header is the file's last line
+            return;
+        }
+        for (qsizetype i = header + 1; i < n; ++i) {
+            const QString &read = text.lines[i];
+            const bool atEnd = i == n - 1;
+            if (read.isEmpty() && !atEnd)
+                continue; // empty lines are passed, never taken for a key
+            const QStringView part = keyPart(read);
+            const QStringView mine = QStringView(newLine).left(part.size());
+            if (!read.isEmpty() && ordered && part.compare(mine) > 0) {
+                insertLine(i, newLine);
+            } else if (!read.isEmpty() && part == mine) {
+                text.lines[i] = newLine;
+            } else if (opensSection(read) || atEnd) {
+                // The new line follows the next section's header when one comes first.
+                insertLine(i + 1, newLine);
+            } else {
+                continue;
+            }
+            return;
+        }
+    }
+};
+
+namespace {
+
+// The documents read so far, by path; the settings file and a transfer file at the most.
+QHash<QString, std::shared_ptr<const IniDocument>> &documents()
+{
+    static QHash<QString, std::shared_ptr<const IniDocument>> cache;
     return cache;
 }
 
 // The file's document, read again only when the file changed on disk; nullptr when there
-// is no file.
-std::shared_ptr<const IniDocument> readIni(const QString &path)
+// is no file. An unreadable file is a FileAccess error when asked for (throwing), else none.
+std::shared_ptr<const IniDocument> readIni(const QString &path, bool throwUnreadable = false)
 {
     const FileStamp stamp = stampOf(path);
     auto &cache = documents();
@@ -172,10 +320,14 @@ std::shared_ptr<const IniDocument> readIni(const QString &path)
     if (const auto found = cache.value(path); found && found->stamp == stamp)
         return found;
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (throwUnreadable)
+            throw PlatformError(PlatformError::FileAccess, path + QStringLiteral(": ") + file.errorString());
         return nullptr;
+    }
     auto document = std::make_shared<IniDocument>();
     document->stamp = stamp;
+    document->exists = true;
     document->text = decode(file.readAll());
     document->index();
     if (cache.size() >= 4)
@@ -184,26 +336,60 @@ std::shared_ptr<const IniDocument> readIni(const QString &path)
     return document;
 }
 
-// Replaces the file with the text in one step (see atomicfile.h) and keeps the text as the
-// file's document, so that the next read needs no disk.
-void replaceIniFile(const QString &path, const IniText &text)
+// Replaces the file with the document's text in one step (see atomicfile.h) and keeps the
+// document, so that the next read needs no disk.
+void replaceIniFile(const QString &path, IniDocument document)
 {
-    ReplaceFile(path, encode(text), kTempName);
-    auto document = std::make_shared<IniDocument>();
-    document->stamp = stampOf(path);
-    document->text = text;
-    document->index();
-    documents().insert(path, document);
+    const QString dir = DirectoryOf(path);
+    if (!dir.isEmpty())
+        QDir().mkdir(dir);
+    ReplaceFile(path, encode(document.text), kTempName);
+    document.stamp = stampOf(path);
+    document.exists = true;
+    documents().insert(path, std::make_shared<const IniDocument>(std::move(document)));
 }
 
-// The first p characters of a line, p being the position of its first "=" (or its length).
-QString keyPart(const QString &line)
+const IniDocument &emptyDocument()
 {
-    const qsizetype eq = line.indexOf(u'=');
-    return eq < 0 ? line : line.left(eq + 1);
+    static const IniDocument empty;
+    return empty;
 }
 
 } // namespace
+
+IniFile::IniFile(const QString &path)
+    : m_path(path)
+{
+    const auto source = readIni(path, true);
+    m_document = std::make_unique<IniDocument>(source ? *source : emptyDocument());
+}
+
+IniFile::~IniFile() = default;
+
+QString IniFile::value(const QString &section, const QString &key) const
+{
+    return m_document->value(section, key);
+}
+
+QStringList IniFile::section(const QString &section) const
+{
+    return m_document->section(section);
+}
+
+bool IniFile::hasSection(const QString &section) const
+{
+    return m_document->headerOf(section) >= 0;
+}
+
+void IniFile::write(const QString &section, const QString &line, bool ordered)
+{
+    m_document->write(section, line, ordered);
+}
+
+void IniFile::save()
+{
+    replaceIniFile(m_path, *m_document);
+}
 
 bool FileExists(const QString &path)
 {
@@ -228,131 +414,33 @@ QString IniLineValue(const QString &line)
 QString GetIniValue(const QString &path, const QString &section, const QString &key)
 {
     const auto document = readIni(path);
-    if (!document)
-        return {};
-    const QStringList &lines = document->text.lines;
-    for (qsizetype i = document->headerOf(section) + 1; i > 0 && i < lines.size(); ++i) {
-        const QString &line = lines[i];
-        if (line.isEmpty())
-            continue;
-        if (opensSection(line))
-            return {};
-        const qsizetype eq = line.indexOf(u'=');
-        if (eq >= 1 && QStringView(line).left(eq) == key)
-            return line.mid(eq + 1);
-    }
-    return {};
+    return document ? document->value(section, key) : QString();
 }
 
 QStringList GetIniSection(const QString &path, const QString &section)
 {
-    QStringList result;
-    if (const auto document = readIni(path)) {
-        const QStringList &lines = document->text.lines;
-        for (qsizetype i = document->headerOf(section) + 1; i > 0 && i < lines.size(); ++i) {
-            const QString &line = lines[i];
-            if (opensSection(line))
-                break;
-            if (!line.isEmpty())
-                result.append(line);
-        }
-    }
-    if (result.isEmpty())
-        result.append(QString()); // a missing or empty section reads as one empty entry
-    return result;
+    const auto document = readIni(path);
+    return (document ? *document : emptyDocument()).section(section);
 }
 
 void WriteIniValue(const QString &path, const QString &section, const QString &newLine,
                    bool ordered)
 {
-    bool notWritten = true;
-    bool isNew = false;
-    if (!FileExists(path)) {
-        CreateIniFile(path);
-        isNew = true;
-    }
-    const auto source = readIni(path);
-    IniText out;
-    if (source) {
-        out.crlf = source->text.crlf;
-        out.latin1 = source->text.latin1;
-        out.bom = source->text.bom;
-    }
-    const QStringList lines = source ? source->text.lines : QStringList();
-    const qsizetype n = lines.size();
-    out.lines.reserve(n + 2);
-    qsizetype i = 0;
-    while (i < n) {
-        const QString &line = lines[i++];
-        out.lines.append(line);
-        if (!notWritten || !opensSection(line) || sectionName(line) != section)
-            continue;
-        if (i == n) {
-            out.lines << newLine; // the header is the file's last line
-            notWritten = false;
-            break;
-        }
-        while (i < n) {
-            const QString &read = lines[i++];
-            const bool atEnd = i == n;
-            if (read.isEmpty() && !atEnd) {
-                out.lines.append(read); // empty lines are copied, never taken for a key
-                continue;
-            }
-            const QString part = keyPart(read);
-            const QStringView mine = QStringView(newLine).left(part.size());
-            if (!read.isEmpty() && ordered && QStringView(part).compare(mine) > 0) {
-                out.lines << newLine << read;
-            } else if (!read.isEmpty() && part == mine) {
-                out.lines << newLine;
-            } else if (opensSection(read) || atEnd) {
-                // The new line follows the next section's header when one comes first.
-                out.lines << read << newLine;
-            } else {
-                out.lines << read;
-                continue;
-            }
-            notWritten = false;
-            break;
-        }
-    }
-    if (notWritten) {
-        if (!isNew)
-            out.lines << QString();
-        out.lines << QLatin1Char('[') + section + QLatin1Char(']') << newLine;
-    }
-    replaceIniFile(path, out);
+    // A file that cannot be read is not replaced by the one line.
+    const auto source = readIni(path, true);
+    IniDocument document = source ? *source : emptyDocument();
+    document.write(section, newLine, ordered);
+    replaceIniFile(path, std::move(document));
 }
 
 void DeleteIniKey(const QString &path, const QString &section, const QString &key)
 {
-    const auto source = readIni(path);
+    const auto source = readIni(path, true);
     if (!source)
         return;
-    IniText out = source->text;
-    out.lines.clear();
-    bool inSection = false;
-    bool done = false;
-    for (const QString &line : source->text.lines) {
-        if (done || !inSection) {
-            out.lines.append(line);
-            if (!done && opensSection(line) && sectionName(line) == section)
-                inSection = true;
-            continue;
-        }
-        if (opensSection(line)) {
-            out.lines.append(line);
-            done = true;
-            continue;
-        }
-        const qsizetype eq = line.indexOf(u'=');
-        if (eq >= 0 && QStringView(line).left(eq) == key) {
-            done = true; // the key's line is left out; the rest is copied unchanged
-            continue;
-        }
-        out.lines.append(line);
-    }
-    replaceIniFile(path, out);
+    IniDocument document = *source;
+    document.removeKey(section, key);
+    replaceIniFile(path, std::move(document));
 }
 
 QStringList IniListValues(const QString &path, const QString &section)

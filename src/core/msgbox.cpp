@@ -158,3 +158,12 @@ void Wait(double seconds)
         QThread::msleep(100);
     }
 }
+
+QString MessageList(const QStringList &lines)
+{
+    constexpr qsizetype kListed = 20;
+    QString list = lines.mid(0, kListed).join(u'\n');
+    if (lines.size() > kListed)
+        list += QStringLiteral("\n... and %1 more").arg(lines.size() - kListed);
+    return list;
+}

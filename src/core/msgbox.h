@@ -6,6 +6,7 @@
 // answers from a script, so no test ever blocks on a modal window.
 
 #include <QString>
+#include <QStringList>
 
 class QDialog;
 
@@ -39,6 +40,8 @@ QString InputBox(const QString &prompt, const QString &title = {}, const QString
 // ("Rich text (*.rtf);;All files (*)"). A file to write need not exist. "" for Cancel.
 enum class FileUse { Open, Save };
 QString AskFileName(const QString &title, const QString &current, const QString &filter, FileUse use);
+// A list for a message: one line each, the first 20 and then how many more there are.
+QString MessageList(const QStringList &lines);
 // Shows a dialog modally and returns when it has been hidden.
 void ShowModal(QDialog *dialog);
 // Waits the given seconds while the windows keep painting; the user's clicks and keys

@@ -65,6 +65,11 @@ QString DefaultDatabasePath()
     return JoinPath(ProgramDir(), QStringLiteral("PANTRIO.MDB"));
 }
 
+QString DefaultTransferPath()
+{
+    return JoinPath(ProgramDir(), QStringLiteral("transfer.txt"));
+}
+
 bool SameFile(const QString &a, const QString &b)
 {
     return QDir::cleanPath(QFileInfo(a).absoluteFilePath()) == QDir::cleanPath(QFileInfo(b).absoluteFilePath());

@@ -16,6 +16,8 @@ QString IniPath();
 // The database the data-source set-up creates and registers: PANTRIO.MDB in the program
 // directory.
 QString DefaultDatabasePath();
+// The transfer file when none is set: transfer.txt in the program directory.
+QString DefaultTransferPath();
 // Whether two paths name the same file (however they are spelled).
 bool SameFile(const QString &a, const QString &b);
 // The directory part of a path up to and including its last separator ("\" or "/").

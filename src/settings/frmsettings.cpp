@@ -280,7 +280,7 @@ void frmSettings::Form_Load()
         const QString value = GetIniValue(IniPath(), kFiles, key);
         return value.isEmpty() ? fallback : value;
     };
-    s.Transfer = fileSetting(QStringLiteral("Transfer"), shippedPath("transfer.txt"));
+    s.Transfer = fileSetting(QStringLiteral("Transfer"), DefaultTransferPath());
     s.Preview = fileSetting(QStringLiteral("Preview"), shippedPath("recipes.rtf"));
     s.Database = fileSetting(QStringLiteral("Database"), defaultDatabase());
     s.RecipeView = readSwitch(kMisc, QStringLiteral("RecipeView"));
@@ -352,7 +352,7 @@ void frmSettings::cmdReset_Click()
     chkSpaceBetween->setChecked(true);
     chkPageNumbers->setChecked(false);
     txtFilename->setText(shippedPath("recipes.rtf"));
-    txtTransfer->setText(shippedPath("transfer.txt"));
+    txtTransfer->setText(DefaultTransferPath());
     txtDatabase->setText(defaultDatabase());
     optSearch[0]->setChecked(true);
     chkSeek->setChecked(true);
