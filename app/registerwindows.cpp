@@ -8,6 +8,7 @@
 #include "search/frmsearch.h"
 #include "settings/frmmaint.h"
 #include "settings/frmsettings.h"
+#include "transfer/transfercommands.h"
 
 void RegisterWindows()
 {
@@ -24,4 +25,8 @@ void RegisterWindows()
     hooks.backupDatabase = [] { BackupDatabase(); };
     hooks.restoreDatabase = [] { RestoreDatabase(); };
     hooks.resetRatings = [] { ResetRatings(); };
+    hooks.exportTransfer = [] { ExportTransfer(); };
+    hooks.importTransfer = [] { ImportTransfer(); };
+    hooks.viewTransferFile = [] { ViewTransferFile(); };
+    hooks.resetTransferFile = [] { ResetTransferFile(); };
 }

@@ -1,0 +1,255 @@
+#include "ctransfer.h"
+
+#include "core/database.h"
+#include "core/frmstatus.h"
+#include "core/modini.h"
+#include "core/msgbox.h"
+#include "core/platform.h"
+#include "core/programdir.h"
+
+#include <QRegularExpression>
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+const QString kSeparator = QStringLiteral(" | ");
+const QString kIdSection = QStringLiteral("ID");
+const QString kImportedSection = QStringLiteral("Imported");
+
+// The eight field lines of a section, in the order a reader takes them by position.
+constexpr std::array<std::pair<const char *, const char *>, 8> kFields{{
+    {"Servings", "servings"},
+    {"Type", "type"},
+    {"Category", "category"},
+    {"Title", "title"},
+    {"PrepTime", "prep_time"},
+    {"CookTime", "cook_time"},
+    {"Notes", "notes"},
+    {"Rating", "rating"},
+}};
+
+// The number of the last section written, as a whole number; 0 for a new file.
+qint64 lastSection(const IniFile &file)
+{
+    const double max = Val(file.value(kIdSection, QStringLiteral("Max")));
+    if (!(std::abs(max) < 1e15))
+        throw PlatformError(PlatformError::Overflow);
+    return std::llround(max);
+}
+
+// The number of recipes the progress counts: Max when it is a usable count, else the
+// numbered sections there are (a file cut short has lost its [ID] section at the end).
+int recipesToImport(const IniFile &file)
+{
+    try {
+        const qint16 max = CInt(file.value(kIdSection, QStringLiteral("Max")));
+        if (max >= 0)
+            return max;
+    } catch (const PlatformError &) {
+    }
+    int count = 0;
+    while (count < 32767 && file.hasSection(QString::number(count + 1)))
+        ++count;
+    return count;
+}
+
+bool isWholeNumber(const QString &text)
+{
+    static const QRegularExpression number(QStringLiteral("^[+-]?[0-9]+$"));
+    return number.match(text).hasMatch();
+}
+
+} // namespace
+
+QStringList RecipeSectionLines(const QString &recipeId)
+{
+    QStringList lines;
+    Recordset rs = ExecuteSQL(QStringLiteral("SELECT * FROM RECIPE WHERE ID = ") + recipeId);
+    if (!rs || rs.eof())
+        return lines;
+    for (const auto &[key, column] : kFields)
+        lines.append(QLatin1String(key) + u'=' + rs.text(QLatin1String(column)));
+
+    rs = ExecuteSQL(QStringLiteral("SELECT * FROM INGREDIENTS WHERE recipe_id = ") + recipeId);
+    if (rs) {
+        const int amount = rs.columnIndex(QStringLiteral("amount"));
+        const int measure = rs.columnIndex(QStringLiteral("measure"));
+        const int ingredient = rs.columnIndex(QStringLiteral("ingredient"));
+        const int cabinet = rs.columnIndex(QStringLiteral("cabinet"));
+        for (int k = 1; !rs.eof(); ++k, rs.MoveNext())
+            lines.append(QStringLiteral("Ing") + QString::number(k) + u'=' + rs.text(amount) + kSeparator +
+                         rs.text(measure) + kSeparator + rs.text(ingredient) + kSeparator + rs.text(cabinet));
+    }
+    rs = ExecuteSQL(QStringLiteral("SELECT * FROM DIRECTIONS WHERE recipe_id = ") + recipeId);
+    if (rs) {
+        const int step = rs.columnIndex(QStringLiteral("step"));
+        const int direction = rs.columnIndex(QStringLiteral("direction"));
+        for (int k = 1; !rs.eof(); ++k, rs.MoveNext())
+            lines.append(QStringLiteral("Dir") + QString::number(k) + u'=' + rs.text(step) + kSeparator +
+                         rs.text(direction));
+    }
+    return lines;
+}
+
+cTransfer::cTransfer()
+{
+    FileName = GetIniValue(IniPath(), QStringLiteral("Files"), QStringLiteral("Transfer"));
+    if (FileName.isEmpty())
+        FileName = DefaultTransferPath();
+}
+
+QString cTransfer::SubItem(const QString &value, int n)
+{
+    qsizetype start = 0;
+    for (int field = 1; field < n; ++field) {
+        const qsizetype next = value.indexOf(kSeparator, start);
+        if (next < 0)
+            return {};
+        start = next + kSeparator.size();
+    }
+    const qsizetype end = value.indexOf(kSeparator, start);
+    return Trim(end < 0 ? value.mid(start) : value.mid(start, end - start));
+}
+
+void cTransfer::Export(const QStringList &chosen)
+{
+    // The file is read once, the sections are added in memory and the file is replaced once:
+    // a program stopped half-way leaves the file as it was.
+    IniFile file(FileName);
+    const qint64 base = lastSection(file);
+    qint64 written = 0;
+    {
+        StatusGuard status{QString()};
+        SetStatusMaximum(int(chosen.size()));
+        for (qsizetype i = 1; i <= chosen.size(); ++i) {
+            ShowStatusStep(QStringLiteral("Exporting recipe ID: ") + QString::number(i) + QStringLiteral(" to ") +
+                               FileName,
+                           int(i));
+            const QStringList lines = RecipeSectionLines(chosen[i - 1]);
+            if (lines.isEmpty())
+                continue; // deleted since it was chosen; the numbers stay without a gap
+            const QString section = QString::number(base + ++written);
+            for (const QString &line : lines)
+                file.write(section, line);
+        }
+        file.write(kIdSection, QStringLiteral("Max=") + QString::number(base + written));
+        file.save();
+    }
+    MsgBox(QStringLiteral("All Recipes selected have been exported to ") + FileName, Msg::Information,
+           QStringLiteral("Export Completed!"));
+}
+
+void cTransfer::Import()
+{
+    if (FileName.isEmpty()) {
+        MsgBox(QStringLiteral("Please set the Transfer file name in the pantrio.ini file!"), Msg::Ok,
+               QStringLiteral("Error"));
+        return;
+    }
+    if (!FileExists(FileName)) {
+        MsgBox(FileName + QStringLiteral(" does not exist!"), Msg::Ok, QStringLiteral("Error"));
+        return;
+    }
+    if (MsgBox(QStringLiteral("This will import recipes from ") + FileName +
+                   QStringLiteral(".  \n\nWould you like to continue?"),
+               Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+        return;
+    IniFile file(FileName);
+    if (file.value(kImportedSection, QStringLiteral("Flag")) == QLatin1String("True") &&
+        MsgBox(FileName + QStringLiteral(" has already been imported at least once.  Would you like to import it "
+                                         "again?"),
+               Msg::Question, QStringLiteral("Continue")) != MsgResult::Yes)
+        return;
+
+    m_leftOut.clear();
+    {
+        StatusGuard status{QString()};
+        SetStatusMaximum(recipesToImport(file));
+        // One commit for the whole file: a commit per recipe would wait for the disk a thousand
+        // times. A failed line fails alone; the recipes before a fault stay.
+        StatementBatch batch;
+        for (m_section = 1;; ++m_section) {
+            ShowStatusStep(QStringLiteral("Importing recipe ") + QString::number(m_section) + QStringLiteral(" from ") +
+                               FileName,
+                           m_section - 1);
+            const QStringList lines = file.section(QString::number(m_section));
+            RecipeProcess(lines);
+            if (lines.size() <= 1)
+                break;
+        }
+    }
+    file.write(kImportedSection, QStringLiteral("Flag=True"));
+    file.save();
+    MsgBox(QStringLiteral("All Recipes selected have been imported from ") + FileName, Msg::Information,
+           QStringLiteral("Export Completed!"));
+    if (!m_leftOut.isEmpty())
+        MsgBox(QStringLiteral("These recipes and lines of ") + FileName + QStringLiteral(" were not imported:\n\n") +
+                   MessageList(m_leftOut),
+               Msg::Information, QStringLiteral("Information"));
+}
+
+void cTransfer::RecipeProcess(const QStringList &lines)
+{
+    if (lines.isEmpty() || lines.first().isEmpty())
+        return;
+    const QString recipe = QStringLiteral("Recipe ") + QString::number(m_section);
+    if (lines.size() < qsizetype(kFields.size())) {
+        m_leftOut.append(recipe + QStringLiteral(": it has %1 of the 8 lines a recipe begins with").arg(lines.size()));
+        return;
+    }
+    // A text with an apostrophe next to a comma or parenthesis would be cut short in the
+    // statement; such a text is left out and named rather than stored wrong.
+    auto carries = [this](const QString &where, const QStringList &texts) {
+        for (const QString &text : texts)
+            if (DelimiterApostropheIn(text) >= 0) {
+                m_leftOut.append(where + QStringLiteral(": the apostrophe in \"") + text +
+                                 QStringLiteral("\" would end the text early"));
+                return false;
+            }
+        return true;
+    };
+
+    QStringList values;
+    for (qsizetype i = 0; i < qsizetype(kFields.size()); ++i)
+        values.append(IniLineValue(lines[i]));
+    const QString named = recipe + QStringLiteral(" (") + values[3] + u')';
+    if (!carries(named, values))
+        return;
+
+    const Recordset max = ExecuteSQL(QStringLiteral("SELECT MAX(ID) FROM RECIPE"));
+    const QString id = QString::number(max && !max.eof() ? max.integer(0) + 1 : 1);
+    if (ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (") + id + QStringLiteral(", '") +
+                   values.join(QStringLiteral("', '")) + QStringLiteral("')"))
+            .failed()) {
+        m_leftOut.append(named + QStringLiteral(": the database refused it"));
+        return;
+    }
+
+    qsizetype at = qsizetype(kFields.size());
+    for (int k = 1; at < lines.size() && lines[at].contains(QStringLiteral("Ing%1=").arg(k)); ++k, ++at) {
+        const QString value = IniLineValue(lines[at]);
+        QStringList fields;
+        for (int n = 1; n <= 4; ++n)
+            fields.append(SubItem(value, n));
+        if (!carries(named + QStringLiteral(", Ing%1").arg(k), fields))
+            continue;
+        ExecuteSQL(QStringLiteral("INSERT INTO INGREDIENTS VALUES (") + id + QStringLiteral(", ") + QString::number(k) +
+                   QStringLiteral(", '") + fields.join(QStringLiteral("', '")) + QStringLiteral("')"));
+    }
+    for (int k = 1; at < lines.size() && lines[at].contains(QStringLiteral("Dir%1=").arg(k)); ++k, ++at) {
+        const QString value = IniLineValue(lines[at]);
+        const QString step = SubItem(value, 1);
+        const QString direction = SubItem(value, 2);
+        const QString where = named + QStringLiteral(", Dir%1").arg(k);
+        if (!isWholeNumber(step)) {
+            m_leftOut.append(where + QStringLiteral(": the step \"") + step + QStringLiteral("\" is not a number"));
+            continue;
+        }
+        if (!carries(where, {direction}))
+            continue;
+        ExecuteSQL(QStringLiteral("INSERT INTO DIRECTIONS VALUES (") + id + QStringLiteral(", ") + step +
+                   QStringLiteral(", '") + direction + QStringLiteral("')"));
+    }
+}
