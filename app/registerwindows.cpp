@@ -4,6 +4,7 @@
 #include "cabinet/frmcabinet.h"
 #include "core/dbupkeep.h"
 #include "core/windowhooks.h"
+#include "menus/frmmenu.h"
 #include "recipes/frmadd2.h"
 #include "search/frmsearch.h"
 #include "settings/frmmaint.h"
@@ -19,6 +20,7 @@ void RegisterWindows()
     hooks.addRecipe = [] { OpenNewRecipeEditor(); };
     hooks.searchRecipes = [] { ShowSearchWindow(); };
     hooks.cabinet = [] { ShowCabinetWindow(); };
+    hooks.menuPlanner = [] { ShowMenuWindow(); };
     hooks.cleanCabinet = [] { CleanCabinet(); };
     hooks.refreshCabinet = [] { RefreshCabinet(); };
     hooks.repairCabinet = [] { RepairCabinet(); };

@@ -1,0 +1,60 @@
+#pragma once
+// The menu planner's tree: Recipe Groups under the root, dated days in a group, meals in a day,
+// and recipes under any of these (and under recipes). The kind of a node is told by its key
+// alone: "Root", "Title: n", "Day: n", dayKey + ", Meal: B|L|D", parentKey + ", ID: " + id.
+//
+// Beside the view, the tree keeps its nodes in the order they were made (a node always after
+// its parent), so that saving and loading give back the same tree in the same order.
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+class QTreeWidget;
+class QTreeWidgetItem;
+
+enum class MenuNode { Root, Group, Day, Meal, Recipe };
+
+inline const QString kRootKey = QStringLiteral("Root");
+inline const QString kRootText = QStringLiteral("All Menus");
+
+MenuNode KindOfKey(const QString &key);
+
+class MenuTree
+{
+public:
+    explicit MenuTree(QTreeWidget *view);
+
+    QTreeWidget *view() const { return m_view; }
+    // Adds a node under the node of parentKey ("" for the top level); nullptr when the key is
+    // taken or there is no such parent.
+    QTreeWidgetItem *add(const QString &parentKey, const QString &key, const QString &text);
+    QTreeWidgetItem *find(const QString &key) const { return m_byKey.value(key); }
+    // Removes the node with everything below it.
+    void remove(QTreeWidgetItem *node);
+    void clear();
+    // Every node, in the order it was made.
+    const QList<QTreeWidgetItem *> &nodes() const { return m_order; }
+
+    static QString keyOf(const QTreeWidgetItem *node);
+    static QString parentKeyOf(const QTreeWidgetItem *node);
+
+private:
+    QTreeWidget *m_view;
+    QHash<QString, QTreeWidgetItem *> m_byKey;
+    QList<QTreeWidgetItem *> m_order;
+};
+
+// Loads the stored tree ("SELECT * FROM MENU ORDER BY ID"); an empty table gives the root
+// alone. Rows whose parent is not in the tree (or whose key is taken) are left out and their
+// texts answered.
+QStringList LoadMenu(MenuTree &tree);
+// Stores the whole tree in its order, all or nothing: the node whose row failed, or nullptr.
+const QTreeWidgetItem *SaveMenu(const MenuTree &tree);
+// The number for the next "Title: " or "Day: " key: one more than the largest after "Day:"
+// or "Title:" in any key.
+qint32 NextNodeNumber(const MenuTree &tree);
+// The recipe identifiers below the node (each " " + id, as written in the keys), in tree
+// order; a recipe's own sub recipes are not gathered.
+QStringList GatherRecipeIds(const QTreeWidgetItem *start);

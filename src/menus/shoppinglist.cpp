@@ -1,0 +1,152 @@
+#include "shoppinglist.h"
+
+#include "core/appstate.h"
+#include "core/controls.h"
+#include "core/database.h"
+#include "core/msgbox.h"
+#include "quantities/cfraction.h"
+#include "recipes/recipedata.h"
+#include "reports/recipeprinter.h"
+
+#include <QList>
+
+namespace {
+
+const QString kFont = QStringLiteral("Courier New");
+constexpr quint32 kRed = 255;
+
+struct NeededRow {
+    QString cabinet;
+    QString amount;
+    QString measure;
+};
+
+QString measureKey(QString measure)
+{
+    measure.remove(u'.');
+    measure.remove(QStringLiteral("(s)"));
+    return measure.toUpper();
+}
+
+void heading(RecipePrinter &printer, const QString &text)
+{
+    const int b = gSettings.BaseFontSize;
+    printer.AddLine(text, kFont, b + 10, true, false);
+    printer.AddLine(QString(), kFont, 9, false, false);
+}
+
+// The amounts of one item: a sum per run of one measure, the unset measure's runs dropped.
+QString amountsOf(const QList<NeededRow> &rows, qsizetype from, qsizetype to)
+{
+    QString amounts;
+    for (qsizetype i = from; i < to;) {
+        const QString measure = rows[i].measure;
+        cFraction sum;
+        sum.setStringValue(QStringLiteral("0/1"));
+        for (; i < to && SameMeasure(measure, rows[i].measure); ++i) {
+            cFraction amount;
+            amount.setStringValue(rows[i].amount);
+            sum.Add(amount);
+        }
+        if (measure != kUnset)
+            amounts += sum.StringValue() + u' ' + measure + QStringLiteral(" + ");
+    }
+    return amounts;
+}
+
+} // namespace
+
+QString IdListText(const QStringList &ids)
+{
+    const QString joined = ids.join(QStringLiteral(", ")) + QStringLiteral(", ");
+    return joined.size() >= 3 ? joined.chopped(2) : QStringLiteral("-1");
+}
+
+bool SameMeasure(const QString &a, const QString &b)
+{
+    const QString x = measureKey(a);
+    const QString y = measureKey(b);
+    return x.contains(y) || y.contains(x);
+}
+
+void ShowShoppingList(const QString &nodeText, const QStringList &ids)
+{
+    RecipePrinter printer;
+    {
+        WaitCursor busy;
+        printer.SetFileName(gSettings.Preview);
+        Recordset rs = ExecuteSQL(
+            QStringLiteral("SELECT B.cabinet FROM RECIPE A, INGREDIENTS B, CABINET C WHERE C.type = A.type AND "
+                           "C.available = FALSE AND ucase(C.item) = ucase(B.cabinet) AND A.ID = B.recipe_id AND "
+                           "A.ID IN (") +
+            IdListText(ids) + QStringLiteral(") ORDER BY B.cabinet"));
+        if (!rs || rs.eof()) {
+            MsgBox(QStringLiteral("You have all necessary ingredients for ") + nodeText +
+                       QStringLiteral(" available in your cabinet!"),
+                   Msg::Ok, QStringLiteral("Message"));
+            return;
+        }
+        heading(printer, QStringLiteral("Shopping List for ") + nodeText + u':');
+        const int b = gSettings.BaseFontSize;
+        QString previous;
+        bool first = true;
+        for (; !rs.eof(); rs.MoveNext()) {
+            const QString item = rs.text(0);
+            const QString upper = item.toUpper();
+            if (!first && upper == previous)
+                continue;
+            first = false;
+            previous = upper;
+            printer.AddText(QStringLiteral("  *  ") + item, kFont, b + 4, false, false);
+            printer.AddLine(QString(), kFont, 9, false, false);
+        }
+    }
+    printer.Show();
+}
+
+void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
+{
+    RecipePrinter printer;
+    {
+        WaitCursor busy;
+        printer.SetFileName(gSettings.Preview);
+        QList<NeededRow> rows;
+        for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT B.cabinet, B.amount, B.measure FROM RECIPE A, INGREDIENTS "
+                                                      "B WHERE A.ID = B.recipe_id AND A.ID IN (") +
+                                       IdListText(ids) + QStringLiteral(") ORDER BY B.cabinet, B.measure DESC"));
+             rs && !rs.eof(); rs.MoveNext())
+            rows.append({rs.text(0), rs.text(1), rs.text(2)});
+        if (rows.isEmpty()) {
+            MsgBox(QStringLiteral("There are no ingredients in the recipes of the group ") + nodeText + u'!', Msg::Ok,
+                   QStringLiteral("Message"));
+            return;
+        }
+        heading(printer, QStringLiteral("Needed Ingredient Amounts for ") + nodeText + u':');
+        const int b = gSettings.BaseFontSize;
+        for (qsizetype first = 0; first < rows.size();) {
+            const QString item = rows[first].cabinet;
+            const QString upper = item.toUpper();
+            qsizetype end = first + 1;
+            while (end < rows.size() && rows[end].cabinet.toUpper() == upper)
+                ++end;
+            QString amounts = amountsOf(rows, first, end);
+            first = end;
+
+            printer.AddText(QStringLiteral("  *  ") + item, kFont, b + 4, false, false);
+            const Recordset available = ExecuteSQL(QStringLiteral("SELECT * FROM CABINET WHERE item = '") + item +
+                                                   QStringLiteral("' AND available = TRUE"));
+            if (amounts.size() < 4)
+                amounts = QStringLiteral("N/A   ");
+            amounts.chop(3);
+            if (!available || available.eof())
+                printer.AddText(QStringLiteral("  -  (") + amounts + QStringLiteral(") *"), kFont, 10, true, true, false,
+                                kRed);
+            else
+                printer.AddText(QStringLiteral("  -  (") + amounts + u')', kFont, 10, false, false);
+            printer.AddLine(QString(), kFont, 9, false, false);
+        }
+        printer.AddLine(QStringLiteral("* Bold, Italic, Red Amounts mean you are out of this item!\r\n"), kFont, 9, true,
+                        true, false, kRed);
+    }
+    printer.Show();
+}

@@ -1,0 +1,324 @@
+// The menu planner: the tree of groups, days, meals and recipes, stored and loaded; the
+// shopping list and the needed amounts made from it.
+
+#include "core/appstate.h"
+#include "core/database.h"
+#include "menus/frmmenu.h"
+#include "menus/shoppinglist.h"
+#include "recipes/reciperepository.h"
+#include "reports/recipeprinter.h"
+#include "search/frmsearch.h"
+#include "support/testsupport.h"
+
+#include <QCheckBox>
+#include <QDateEdit>
+#include <QLocale>
+#include <QTest>
+#include <QTreeWidget>
+
+namespace {
+
+// A recipe of ingredient lines, each "amount|measure|cabinet".
+qint32 storeRecipe(const QString &title, const QStringList &lines, const QString &type = QStringLiteral("Food"))
+{
+    RecipeData r;
+    r.recipeType = type;
+    r.title = title;
+    for (const QString &line : lines) {
+        const QStringList f = line.split(u'|');
+        r.ingredients.append({QStringLiteral("%1").arg(r.ingredients.size() + 1, 2, 10, QLatin1Char('0')), f[0], f[1],
+                              f[2], f[2]});
+    }
+    const qint32 id = NextId(QStringLiteral("RECIPE"));
+    return StoreRecipe(r, id, false) ? id : -1;
+}
+
+QString sevenDigits(qint32 id)
+{
+    return QStringLiteral("%1").arg(id, 7, 10, QLatin1Char('0'));
+}
+
+// Every node as "parent > key = text", in the tree's order.
+QStringList shape(MenuTree &tree)
+{
+    QStringList nodes;
+    for (const QTreeWidgetItem *node : tree.nodes())
+        nodes << MenuTree::parentKeyOf(node) + QStringLiteral(" > ") + MenuTree::keyOf(node) + QStringLiteral(" = ") +
+                     node->text(0);
+    return nodes;
+}
+
+void insertRows(const QStringList &rows)
+{
+    for (const QString &row : rows)
+        ExecuteSQL(QStringLiteral("INSERT INTO MENU VALUES (") + row + u')');
+}
+
+} // namespace
+
+class TestMenu : public SessionTest
+{
+    Q_OBJECT
+
+    QList<RecipePrinter> m_printed;
+    std::unique_ptr<frmMenu> m_menu;
+
+    frmMenu &openMenu()
+    {
+        m_menu = std::make_unique<frmMenu>();
+        m_menu->Form_Load();
+        return *m_menu;
+    }
+    void select(const QString &key) { m_menu->tvMenu->setCurrentItem(m_menu->tree().find(key)); }
+    void chooseAll()
+    {
+        m_boxes->onModal([](QDialog *dialog) {
+            auto *search = static_cast<frmSearch *>(dialog);
+            search->cmdSearch_Click();
+            search->lvwRecipes->selectAll();
+            search->cmdClose_Click();
+        });
+    }
+    // The preview's text of the last document, one entry per line.
+    QStringList printedLines() const { return m_printed.last().plainText().split(u'\n'); }
+
+private Q_SLOTS:
+    void init()
+    {
+        SessionTest::init();
+        SetPrintPreviewSink([this](const RecipePrinter &p) { m_printed.append(p); });
+    }
+    void cleanup()
+    {
+        if (m_menu) {
+            m_boxes->answer(MsgResult::Yes); // leave without saving when asked
+            m_menu->close();
+            if (!m_menu->dataChanged())
+                m_boxes->clear();
+            m_menu.reset();
+        }
+        SetPrintPreviewSink(nullptr);
+        m_printed.clear();
+        SessionTest::cleanup();
+    }
+
+    void emptyTableLoadsTheRoot()
+    {
+        frmMenu &menu = openMenu();
+        QCOMPARE(shape(menu.tree()), QStringList{" > Root = All Menus"});
+        QCOMPARE(menu.nextNodeNumber(), 1);
+        QCOMPARE(gSubWindows, qint16(1));
+    }
+
+    void planAWeekSaveAndLoadItBack()
+    {
+        const qint32 soup = storeRecipe(QStringLiteral("Soup"), {"1|cup|onion"});
+        storeRecipe(QStringLiteral("No lines"), {});
+        frmMenu &menu = openMenu();
+        m_boxes->answerInput(QStringLiteral("  Week 1 "));
+        menu.cmdNewGroup_Click();
+        select(QStringLiteral("Title: 1"));
+        menu.dtDate->setDate(QDate(2026, 11, 22)); // a Sunday
+        menu.cmdSelectDate_Click();
+        menu.dtDate->setDate(QDate(2026, 11, 23));
+        menu.cmdSelectDate_Click();
+        menu.chkMeal[0]->setChecked(true);
+        menu.chkMeal[2]->setChecked(true);
+        select(QStringLiteral("Root"));
+        menu.cmdMealAdd_Click(); // to every day
+        select(QStringLiteral("Day: 2, Meal: B"));
+        chooseAll();
+        menu.cmdAddRecipes_Click(); // the recipe without lines is passed over
+        chooseAll();
+        menu.cmdAddRecipes_Click(); // already there: passed over
+        const QString date = QLocale().toString(QDate(2026, 11, 22), QLocale::ShortFormat);
+        const QStringList planned{" > Root = All Menus",
+                                  "Root > Title: 1 = Week 1",
+                                  "Title: 1 > Day: 2 = " + date + " - Sunday",
+                                  "Title: 1 > Day: 3 = " + QLocale().toString(QDate(2026, 11, 23), QLocale::ShortFormat) +
+                                      " - Monday",
+                                  "Day: 2 > Day: 2, Meal: B = Breakfast",
+                                  "Day: 2 > Day: 2, Meal: D = Dinner",
+                                  "Day: 3 > Day: 3, Meal: B = Breakfast",
+                                  "Day: 3 > Day: 3, Meal: D = Dinner",
+                                  "Day: 2, Meal: B > Day: 2, Meal: B, ID: " + sevenDigits(soup) + " = Soup"};
+        QCOMPARE(shape(menu.tree()), planned);
+        QVERIFY(menu.dataChanged());
+        menu.cmdSave_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The Menus and Recipe Groups have been saved!"));
+        QVERIFY(!menu.dataChanged());
+
+        frmMenu &again = openMenu();
+        QCOMPARE(shape(again.tree()), planned);
+        QCOMPARE(again.nextNodeNumber(), 4);
+    }
+
+    void nextNumberFollowsTheLargestKey()
+    {
+        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Root', 'Title: 3', 'Party'", "2, 'Title: 3', 'Day: 7', 'Sat'",
+                    "3, 'Day: 7', 'Day: 7, Meal: L', 'Lunch'"});
+        frmMenu &menu = openMenu();
+        m_boxes->answerInput(QStringLiteral("Next"));
+        menu.cmdNewGroup_Click();
+        QVERIFY(menu.tree().find(QStringLiteral("Title: 8")));
+        select(QStringLiteral("Day: 7, Meal: L"));
+        menu.cmdSelectDate_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Please select the Recipe Group!"));
+    }
+
+    void rowsWithoutTheirParentAreNamed()
+    {
+        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Title: 9', 'Day: 2', 'Lost day'", "2, 'Root', 'Title: 1', 'Kept'",
+                    "3, 'Root', 'Title: 1', 'Twice'"});
+        frmMenu &menu = openMenu();
+        QCOMPARE(shape(menu.tree()), (QStringList{" > Root = All Menus", "Root > Title: 1 = Kept"}));
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("These menu entries were not loaded, as the entry they belong under is missing:\n\n"
+                                "Lost day\nTwice"));
+        QCOMPARE(menu.nextNodeNumber(), 2);
+    }
+
+    void deleteAsksAndRemoves()
+    {
+        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Root', 'Title: 1', 'Week'", "2, 'Title: 1', 'Day: 2', 'Mon'"});
+        frmMenu &menu = openMenu();
+        select(QStringLiteral("Title: 1"));
+        m_boxes->answer(MsgResult::Yes);
+        menu.cmdDelete_Click(); // has children: emptied, kept
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Are you sure you want to remove all sub entries for Week?"));
+        QCOMPARE(shape(menu.tree()), (QStringList{" > Root = All Menus", "Root > Title: 1 = Week"}));
+        m_boxes->answer(MsgResult::No);
+        menu.cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Are you sure you want to remove the entry for Week?"));
+        QVERIFY(menu.tree().find(QStringLiteral("Title: 1")));
+        m_boxes->answer(MsgResult::Yes);
+        menu.cmdDelete_Click();
+        QVERIFY(!menu.tree().find(QStringLiteral("Title: 1")));
+        select(QStringLiteral("Root"));
+        m_boxes->answer(MsgResult::Yes);
+        menu.cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("Are you sure you want to remove the entry for All Menus (including all sub nodes)?"));
+        QCOMPARE(shape(menu.tree()), QStringList{" > Root = All Menus"});
+    }
+
+    void savingWhatCannotBeStoredKeepsTheStoredMenu()
+    {
+        const qint32 id = storeRecipe(QStringLiteral("Stew"), {"1|cup|beans"});
+        frmMenu &menu = openMenu();
+        m_boxes->answerInput(QStringLiteral("Mom's week"));
+        menu.cmdNewGroup_Click();
+        menu.cmdSave_Click();
+        frmMenu &again = openMenu();
+        QCOMPARE(again.tree().find(QStringLiteral("Title: 1"))->text(0), QStringLiteral("Mom's week"));
+
+        // A chain of sub recipes longer than a key can hold: the old menu stays whole.
+        QString key = QStringLiteral("Title: 1");
+        while (key.size() <= 255) {
+            const QString next = key + QStringLiteral(", ID: ") + sevenDigits(id);
+            again.tree().add(key, next, QStringLiteral("Stew"));
+            key = next;
+        }
+        m_boxes->answerInput(QStringLiteral("Extra"));
+        again.cmdNewGroup_Click();
+        again.cmdSave_Click();
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Error Saving Menu"));
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("There was an error trying to save Stew.  This is most likely the result of putting too "
+                                "many levels of sub recipes under other recipes."));
+        QVERIFY(again.dataChanged());
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT COUNT(*) FROM MENU")), 2);
+
+        m_boxes->clear();
+        again.tree().find(QStringLiteral("Title: 1"))->setText(0, QStringLiteral("Mom', s"));
+        again.cmdSave_Click();
+        QVERIFY(m_boxes->prompts().last().contains(QStringLiteral("The menu was not saved: in \"Mom', s\"")));
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT COUNT(*) FROM MENU")), 2);
+        m_boxes->clear();
+    }
+
+    void theWalkGathersRecipesButNotTheirSubRecipes()
+    {
+        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Root', 'Title: 1', 'A'", "2, 'Title: 1', 'Title: 1, ID: 5', 'R5'",
+                    "3, 'Title: 1, ID: 5', 'Title: 1, ID: 5, ID: 6', 'R6'", "4, 'Root', 'Title: 2', 'B'",
+                    "5, 'Title: 2', 'Day: 3', 'D'", "6, 'Day: 3', 'Day: 3, ID: 7', 'R7'"});
+        frmMenu &menu = openMenu();
+        QCOMPARE(GatherRecipeIds(menu.tree().find(QStringLiteral("Root"))), (QStringList{" 5", " 7"}));
+        QCOMPARE(GatherRecipeIds(menu.tree().find(QStringLiteral("Title: 2"))), QStringList{" 7"});
+        QCOMPARE(IdListText({" 5", " 7"}), QStringLiteral(" 5,  7"));
+        QCOMPARE(IdListText({}), QStringLiteral("-1"));
+        menu.cmdExpand_Click(0);
+        QVERIFY(menu.tree().find(QStringLiteral("Root"))->isExpanded());
+        QVERIFY(!menu.tree().find(QStringLiteral("Title: 2"))->isExpanded());
+        menu.cmdExpand_Click(1);
+        QVERIFY(menu.tree().find(QStringLiteral("Title: 2"))->isExpanded());
+        QVERIFY(!menu.tree().find(QStringLiteral("Day: 3"))->isExpanded());
+        SaveScreenshot(&menu, QStringLiteral("menu"));
+    }
+
+    void measuresGroup_data()
+    {
+        QTest::addColumn<QString>("a");
+        QTest::addColumn<QString>("b");
+        QTest::addColumn<bool>("same");
+        QTest::newRow("cup, Cups") << "cup" << "Cups" << true;
+        QTest::newRow("c., cup") << "c." << "cup" << true;
+        QTest::newRow("cup(s), CUP") << "cup(s)" << "CUP" << true;
+        QTest::newRow("empty matches any") << "" << "tsp" << true;
+        QTest::newRow("tsp, Tbsp") << "tsp" << "Tbsp" << false;
+        QTest::newRow("unset, cup") << "---" << "cup" << false;
+    }
+    void measuresGroup()
+    {
+        QFETCH(QString, a);
+        QFETCH(QString, b);
+        QFETCH(bool, same);
+        QCOMPARE(SameMeasure(a, b), same);
+        QCOMPARE(SameMeasure(b, a), same);
+    }
+
+    void neededAmountsSumPerMeasureAndMarkWhatIsOut()
+    {
+        const qint32 bread = storeRecipe(QStringLiteral("Bread"), {"1/2|cup|flour", "2|tsp|salt", "1|---|Water"});
+        const qint32 cake = storeRecipe(QStringLiteral("Cake"), {"1/4|Cups|Flour", "1|Tbsp|salt", "2|---|eggs"});
+        ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('flour', 'F', 1)"));
+        ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('salt', 'F', 0)"));
+        ShowNeededAmounts(QStringLiteral("Week"), {u' ' + QString::number(bread), u' ' + QString::number(cake)});
+        // One line per item (its text, then an empty line's end); the legend ends in CR LF.
+        QCOMPARE(printedLines(), (QStringList{"Needed Ingredient Amounts for Week:", "", "  *  eggs  -  (N/A) *",
+                                              "  *  Flour  -  (3/4 Cups)", "  *  salt  -  (2 tsp + 1 Tbsp) *",
+                                              "  *  Water  -  (N/A) *",
+                                              "* Bold, Italic, Red Amounts mean you are out of this item!\r", "", ""}));
+        const PrintRun flour = m_printed.last().lines()[3].runs[1];
+        const PrintRun salt = m_printed.last().lines()[4].runs[1];
+        QVERIFY(!flour.bold && flour.rgb == 0);
+        QVERIFY(salt.bold && salt.italic && salt.rgb == 255);
+
+        ShowShoppingList(QStringLiteral("Week"), {u' ' + QString::number(bread), u' ' + QString::number(cake)});
+        QCOMPARE(printedLines(), (QStringList{"Shopping List for Week:", "", "  *  salt", ""}));
+    }
+
+    void listsWithNothingToShowSaySo()
+    {
+        ShowNeededAmounts(QStringLiteral("Empty"), {});
+        ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('rice', 'F', 1)"));
+        const qint32 rice = storeRecipe(QStringLiteral("Rice"), {"1|cup|rice"});
+        ShowShoppingList(QStringLiteral("Rice day"), {u' ' + QString::number(rice)});
+        QCOMPARE(m_boxes->prompts(),
+                 (QStringList{"There are no ingredients in the recipes of the group Empty!",
+                              "You have all necessary ingredients for Rice day available in your cabinet!"}));
+        QVERIFY(m_printed.isEmpty());
+    }
+
+    void zeroDenominatorShowsTheFractionsMessageAndGoesOn()
+    {
+        const qint32 id = storeRecipe(QStringLiteral("Odd"), {"1/0|cup|sugar", "1|cup|tea"});
+        ShowNeededAmounts(QStringLiteral("Odd"), {u' ' + QString::number(id)});
+        QCOMPARE(m_boxes->prompts().first(), QStringLiteral("Error parsing string to create fraction!"));
+        QVERIFY(printedLines().contains(QStringLiteral("  *  tea  -  (1 cup) *")));
+        m_boxes->clear();
+    }
+};
+
+QTEST_MAIN(TestMenu)
+#include "test_menu.moc"
