@@ -253,7 +253,7 @@ private Q_SLOTS:
         menu.cmdExpand_Click(1);
         QVERIFY(menu.tree().find(QStringLiteral("Title: 2"))->isExpanded());
         QVERIFY(!menu.tree().find(QStringLiteral("Day: 3"))->isExpanded());
-        SaveScreenshot(&menu, QStringLiteral("menu"));
+        SaveScreenshot(&menu, QStringLiteral("frmMenu"));
     }
 
     void measuresGroup_data()
