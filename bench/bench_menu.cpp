@@ -9,20 +9,7 @@
 #include "reports/recipeprinter.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QTreeWidget>
-
-namespace {
-
-double timed(const std::function<void()> &work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return timer.nsecsElapsed() / 1e6;
-}
-
-} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -37,8 +24,8 @@ int main(int argc, char *argv[])
     QList<double> needed;
     QList<double> shopping;
     for (int run = 0; run < 7; ++run) {
-        needed.append(timed([&] { ShowNeededAmounts(QStringLiteral("Week"), ids); }));
-        shopping.append(timed([&] { ShowShoppingList(QStringLiteral("Week"), ids); }));
+        needed.append(TimedMs([&] { ShowNeededAmounts(QStringLiteral("Week"), ids); }));
+        shopping.append(TimedMs([&] { ShowShoppingList(QStringLiteral("Week"), ids); }));
     }
 
     // 1,000 nodes: 10 groups of 7 days of 3 meals with recipes under them.
@@ -66,8 +53,8 @@ int main(int argc, char *argv[])
     QList<double> saves;
     QList<double> loads;
     for (int run = 0; run < 5; ++run) {
-        saves.append(timed([&] { SaveMenu(tree); }));
-        loads.append(timed([&] {
+        saves.append(TimedMs([&] { SaveMenu(tree); }));
+        loads.append(TimedMs([&] {
             frmMenu loaded;
             loaded.Form_Load();
         }));

@@ -8,18 +8,9 @@
 #include "transfer/ctransfer.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFile>
 
 namespace {
-
-double timed(const std::function<void()> &work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return timer.nsecsElapsed() / 1e6;
-}
 
 QByteArray contents(const QString &path)
 {
@@ -43,13 +34,13 @@ int main(int argc, char *argv[])
     QList<double> exports;
     for (int run = 0; run < 5; ++run) {
         QFile::remove(transfer.FileName);
-        exports.append(timed([&] { transfer.Export(ids); }));
+        exports.append(TimedMs([&] { transfer.Export(ids); }));
     }
     const QByteArray exported = contents(transfer.FileName);
 
     // The same sections written as a key-by-key writer writes them.
     const QString keyByKey = home.path(QStringLiteral("keybykey.txt"));
-    const double rewriting = timed([&] {
+    const double rewriting = TimedMs([&] {
         for (int i = 0; i < kRecipes; ++i)
             for (const QString &line : RecipeSectionLines(ids[i]))
                 WriteIniValue(keyByKey, QString::number(i + 1), line);
@@ -58,7 +49,7 @@ int main(int argc, char *argv[])
 
     QList<double> imports;
     for (int run = 0; run < 5; ++run)
-        imports.append(timed([&] { transfer.Import(); }));
+        imports.append(TimedMs([&] { transfer.Import(); }));
 
     // 100 MB of lines that hold no section: read, found empty, and flagged.
     const QString junk = home.path(QStringLiteral("junk.txt"));
@@ -70,7 +61,7 @@ int main(int argc, char *argv[])
             file.write(line);
     }
     transfer.FileName = junk;
-    const double junkImport = timed([&] { transfer.Import(); });
+    const double junkImport = TimedMs([&] { transfer.Import(); });
 
     const double exportMs = Median(exports);
     PrintFigure("transfer.export_1000.ms", exportMs, "ms", "< 500 ms");

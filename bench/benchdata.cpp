@@ -1,5 +1,7 @@
 #include "benchdata.h"
 
+#include <QElapsedTimer>
+
 #include "core/database.h"
 #include "core/datasources.h"
 #include "core/msgbox.h"
@@ -174,4 +176,12 @@ double Median(QList<double> samples)
 {
     std::sort(samples.begin(), samples.end());
     return samples.isEmpty() ? 0.0 : samples[samples.size() / 2];
+}
+
+double TimedMs(const std::function<void()> &work)
+{
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return timer.nsecsElapsed() / 1e6;
 }

@@ -3,6 +3,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 // Creates the database file from the shipped schema and fills it with n recipes of 4 to 16
@@ -25,5 +26,7 @@ private:
 
 // Prints one figure as "name: value unit", with the goal when there is one.
 void PrintFigure(const char *name, double value, const char *unit, const char *goal = nullptr);
+// How long the work takes, in milliseconds.
+double TimedMs(const std::function<void()> &work);
 // The median of a list of samples.
 double Median(QList<double> samples);

@@ -69,12 +69,6 @@ frmCabinet::frmCabinet(QWidget *parent)
     connect(lvwCabinet, &QTreeWidget::itemChanged, this, [this] { m_changed = true; });
 }
 
-frmCabinet::~frmCabinet()
-{
-    if (m_loaded && !m_unloaded)
-        SubWindowClosed();
-}
-
 void frmCabinet::buildLayout()
 {
     lvwCabinet = Named(new QTreeWidget(this), "lvwCabinet");
@@ -124,17 +118,15 @@ void frmCabinet::buildLayout()
 
 bool frmCabinet::event(QEvent *event)
 {
-    if (event->type() == QEvent::Show && !m_loaded)
+    if (event->type() == QEvent::Show && !m_life.loaded())
         Guarded([this] { Form_Load(); });
     return QWidget::event(event);
 }
 
 void frmCabinet::Form_Load()
 {
-    if (m_loaded)
+    if (!m_life.load())
         return;
-    m_loaded = true;
-    SubWindowOpened();
     FillRecipeTypes(cboRecipeType);
     cboRecipeType->setCurrentText(gRecipeType);
     LoadList();
@@ -295,10 +287,7 @@ void frmCabinet::closeEvent(QCloseEvent *event)
         event->ignore();
         return;
     }
-    if (m_loaded && !m_unloaded) {
-        m_unloaded = true;
-        SubWindowClosed();
-    }
+    m_life.unload();
     event->accept();
 }
 

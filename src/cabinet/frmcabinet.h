@@ -1,6 +1,8 @@
 #pragma once
 // The cabinet window: the pantry of one recipe type, each item ticked when it is at home.
 
+#include "core/appstate.h"
+
 #include <QWidget>
 
 class QComboBox;
@@ -12,7 +14,6 @@ class frmCabinet : public QWidget
     Q_OBJECT
 public:
     explicit frmCabinet(QWidget *parent = nullptr);
-    ~frmCabinet() override;
 
     QTreeWidget *lvwCabinet;
     QComboBox *cboRecipeType;
@@ -57,8 +58,7 @@ private:
     enum class Tick { On, Off, Invert };
     void tick(Tick how, bool selectedOnly);
 
-    bool m_loaded = false;
-    bool m_unloaded = false;
+    SubWindowCount m_life;
     bool m_changed = false;
 };
 

@@ -25,3 +25,20 @@ void SubWindowClosed()
 {
     gSubWindows = Sub16(gSubWindows, 1);
 }
+
+bool SubWindowCount::load()
+{
+    if (m_state != State::Fresh)
+        return false;
+    m_state = State::Open;
+    SubWindowOpened();
+    return true;
+}
+
+void SubWindowCount::unload()
+{
+    if (m_state != State::Open)
+        return;
+    m_state = State::Closed;
+    SubWindowClosed();
+}

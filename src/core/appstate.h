@@ -32,3 +32,22 @@ QString TypeCode(const QString &recipeType);
 // A working window opened (load) or closed (unload).
 void SubWindowOpened();
 void SubWindowClosed();
+
+// A working window's place in the open-window count: counted from its load until it closes
+// (or is destroyed without closing), once each.
+class SubWindowCount
+{
+public:
+    SubWindowCount() = default;
+    ~SubWindowCount() { unload(); }
+    SubWindowCount(const SubWindowCount &) = delete;
+    SubWindowCount &operator=(const SubWindowCount &) = delete;
+    // True the first time only: the window loads now and is counted.
+    bool load();
+    void unload();
+    bool loaded() const { return m_state != State::Fresh; }
+
+private:
+    enum class State { Fresh, Open, Closed };
+    State m_state = State::Fresh;
+};

@@ -74,12 +74,6 @@ frmMenu::frmMenu(QWidget *parent)
     connect(tvMenu, &QTreeWidget::itemDoubleClicked, this, [this] { Guarded([this] { tvMenu_DblClick(); }); });
 }
 
-frmMenu::~frmMenu()
-{
-    if (m_loaded && !m_unloaded)
-        SubWindowClosed();
-}
-
 void frmMenu::buildLayout()
 {
     tvMenu = Named(new QTreeWidget(this), "tvMenu");
@@ -161,17 +155,15 @@ void frmMenu::buildLayout()
 
 bool frmMenu::event(QEvent *event)
 {
-    if (event->type() == QEvent::Show && !m_loaded)
+    if (event->type() == QEvent::Show && !m_life.loaded())
         Guarded([this] { Form_Load(); });
     return QWidget::event(event);
 }
 
 void frmMenu::Form_Load()
 {
-    if (m_loaded)
+    if (!m_life.load())
         return;
-    m_loaded = true;
-    SubWindowOpened();
     const QStringList leftOut = LoadMenu(m_tree);
     m_nextNode = NextNodeNumber(m_tree);
     m_changed = false;
@@ -409,10 +401,7 @@ void frmMenu::closeEvent(QCloseEvent *event)
         event->ignore();
         return;
     }
-    if (m_loaded && !m_unloaded) {
-        m_unloaded = true;
-        SubWindowClosed();
-    }
+    m_life.unload();
     event->accept();
 }
 

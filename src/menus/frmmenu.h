@@ -4,6 +4,8 @@
 
 #include "menutree.h"
 
+#include "core/appstate.h"
+
 #include <QWidget>
 
 #include <array>
@@ -21,7 +23,6 @@ class frmMenu : public QWidget
     Q_OBJECT
 public:
     explicit frmMenu(QWidget *parent = nullptr);
-    ~frmMenu() override;
 
     QTreeWidget *tvMenu;
     QDateEdit *dtDate;
@@ -72,8 +73,7 @@ private:
     MenuTree m_tree;
     qint32 m_nextNode = 1;
     bool m_changed = false;
-    bool m_loaded = false;
-    bool m_unloaded = false;
+    SubWindowCount m_life;
 };
 
 // Shows the menu planner (one at a time).
