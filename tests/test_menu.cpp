@@ -237,6 +237,52 @@ private Q_SLOTS:
         m_boxes->clear();
     }
 
+    void subRecipesRenameViewAndClose()
+    {
+        const qint32 soup = storeRecipe(QStringLiteral("Soup"), {"1|cup|onion"});
+        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Root', 'Title: 1', 'Week'",
+                    "2, 'Title: 1', 'Title: 1, ID: " + sevenDigits(soup) + "', 'Soup'"});
+        frmMenu &menu = openMenu();
+        const QString soupKey = "Title: 1, ID: " + sevenDigits(soup);
+        select(soupKey);
+        m_boxes->answer(MsgResult::No);
+        chooseAll();
+        menu.cmdAddRecipes_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Are you sure you want to put sub recipes on: Soup?"));
+        QCOMPARE(menu.tree().nodes().size(), 3);
+        m_boxes->answer(MsgResult::Yes);
+        chooseAll();
+        menu.cmdAddRecipes_Click();
+        QVERIFY(menu.tree().find(soupKey + ", ID: " + sevenDigits(soup)));
+
+        menu.tvMenu_DblClick(); // a recipe: its report
+        QCOMPARE(m_printed.size(), 1);
+        QVERIFY(m_printed.last().plainText().contains(QStringLiteral("Soup")));
+        select(QStringLiteral("Title: 1"));
+        menu.cmdPrintAll_Click(); // the group's recipes, not the sub recipe
+        QCOMPARE(m_printed.size(), 2);
+        QCOMPARE(m_printed.last().plainText().count(QStringLiteral("Soup")), 1);
+
+        m_boxes->answerInput(QStringLiteral("Holiday"));
+        menu.tvMenu_DblClick();
+        QCOMPARE(m_boxes->inputPrompts.last(), QStringLiteral("Enter the new name for Week"));
+        QCOMPARE(m_boxes->inputDefaults.last(), QStringLiteral("Week"));
+        QCOMPARE(menu.tree().find(QStringLiteral("Title: 1"))->text(0), QStringLiteral("Holiday"));
+
+        menu.show();
+        m_boxes->answer(MsgResult::No);
+        menu.cmdClose_Click();
+        QVERIFY(menu.isVisible());
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("You have changed data for a menu or Recipe Group without saving!\n\n"
+                                "Would you like to exit without saving your changes?"));
+        m_boxes->answer(MsgResult::Yes);
+        menu.cmdClose_Click();
+        QVERIFY(!menu.isVisible());
+        QCOMPARE(gSubWindows, qint16(0));
+        m_menu.reset();
+    }
+
     void theWalkGathersRecipesButNotTheirSubRecipes()
     {
         insertRows({"0, '', 'Root', 'All Menus'", "1, 'Root', 'Title: 1', 'A'", "2, 'Title: 1', 'Title: 1, ID: 5', 'R5'",
