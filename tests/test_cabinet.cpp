@@ -55,15 +55,9 @@ void selectItems(frmCabinet &w, const QStringList &names)
     }
 }
 
-void storeRecipe(qint32 id, const char *type, const QList<QStringList> &lines)
+void storeRecipe(qint32 id, const char *type, const QStringList &lines)
 {
-    RecipeData r;
-    r.recipeType = QLatin1String(type);
-    r.title = QStringLiteral("Recipe %1").arg(id);
-    for (const QStringList &line : lines)
-        r.ingredients.append({QStringLiteral("%1").arg(r.ingredients.size() + 1, 2, 10, QLatin1Char('0')),
-                              QStringLiteral("1"), QStringLiteral("cup"), line[0], line[1]});
-    QVERIFY(StoreRecipe(r, id, false));
+    StoreTestRecipe(TestRecipe(QStringLiteral("Recipe %1").arg(id), lines, {}, QLatin1String(type)), id);
 }
 
 } // namespace
@@ -208,7 +202,7 @@ private Q_SLOTS:
 
     void cleanDeletesOnlyUnusedItemsAndAsksForEach()
     {
-        storeRecipe(1, "Food", {{"Salt", "salt"}});
+        storeRecipe(1, "Food", {"1|cup|Salt|salt"});
         addItem("salt", "F");
         addItem("saffron", "F");
         addItem("saffron", "D");
@@ -230,8 +224,8 @@ private Q_SLOTS:
 
     void refreshAddsExactlyTheMissingPairs()
     {
-        storeRecipe(1, "Food", {{"Salt", "salt"}, {"Onion, chopped", "onion"}});
-        storeRecipe(2, "Drink", {{"Lime juice", "lime"}, {"Salt", "salt"}});
+        storeRecipe(1, "Food", {"1|cup|Salt|salt", "1|cup|Onion, chopped|onion"});
+        storeRecipe(2, "Drink", {"1|cup|Lime juice|lime", "1|cup|Salt|salt"});
         addItem("Salt", "F", true);
         m_boxes->answer(MsgResult::Yes);
         RefreshCabinet();
@@ -245,8 +239,8 @@ private Q_SLOTS:
     void repairProposesStemsAndRenamesEveryRow()
     {
         // A cabinet name that holds the stem already is found as its own suggestion: left.
-        storeRecipe(1, "Food", {{"scallions, sliced", "green onion sliced"}, {"tomatoes (canned)", "tomatoes canned"}});
-        storeRecipe(2, "Food", {{"scallions, sliced", "green onion sliced"}, {"basil", "basil"}});
+        storeRecipe(1, "Food", {"1|cup|scallions, sliced|green onion sliced", "1|cup|tomatoes (canned)|tomatoes canned"});
+        storeRecipe(2, "Food", {"1|cup|scallions, sliced|green onion sliced", "1|cup|basil|basil"});
         m_boxes->answer(MsgResult::Yes); // repair
         m_boxes->answer(MsgResult::Yes); // the change
         RepairCabinet();
@@ -276,8 +270,8 @@ private Q_SLOTS:
 
     void searchFindsWhatTheCabinetCanMake()
     {
-        storeRecipe(1, "Food", {{"Salt", "salt"}, {"Onion", "onion"}});
-        storeRecipe(2, "Food", {{"Salt", "salt"}});
+        storeRecipe(1, "Food", {"1|cup|Salt|salt", "1|cup|Onion|onion"});
+        storeRecipe(2, "Food", {"1|cup|Salt|salt"});
         frmSearch s;
         s.show();
         s.chkCabinet->setChecked(true);

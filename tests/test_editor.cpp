@@ -17,14 +17,6 @@
 
 namespace {
 
-QStringList column(const QTreeWidget *list, int c)
-{
-    QStringList texts;
-    for (int i = 0; i < list->topLevelItemCount(); ++i)
-        texts.append(list->topLevelItem(i)->text(c));
-    return texts;
-}
-
 void typeIngredient(frmAdd2 &e, const QString &amount, const QString &measure, const QString &item,
                     const QString &cabinet)
 {
@@ -192,7 +184,7 @@ private Q_SLOTS:
         QCOMPARE(e->lvwIngredients->topLevelItemCount(), 0);
         typeIngredient(*e, QStringLiteral("---"), QStringLiteral("---"), QStringLiteral("Salt"), QStringLiteral("salt"));
         e->cmdIngAdd_Click(); // "---" is filled
-        QCOMPARE(column(e->lvwIngredients, 1), QStringList{QStringLiteral("---")});
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 1), QStringList{QStringLiteral("---")});
         QCOMPARE(e->cboAmount->currentText(), QStringLiteral("---"));
         QCOMPARE(e->txtItem->text(), QString());
         QCOMPARE(e->SelectedIngredient, -1);
@@ -203,7 +195,7 @@ private Q_SLOTS:
         auto e = onePage();
         for (const char *item : {"Flour", "Sugar", "Eggs", "Milk", "Salt"})
             addIngredient(*e, QLatin1String(item));
-        QCOMPARE(column(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05"}));
 
         // Clicking a line and adding it unchanged still asks; No overwrites (the default).
         select(e->lvwIngredients, 1);
@@ -214,7 +206,7 @@ private Q_SLOTS:
         e->cmdIngAdd_Click();
         QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("You have attempted to change an ingredient.  The default process will Overwrite the old Ingredient.\n\nWould you like to Insert the new ingredient instead?"));
         QVERIFY(m_boxes->boxes.last().style.defaultNo);
-        QCOMPARE(column(e->lvwIngredients, 3), (QStringList{"Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), (QStringList{"Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
 
         // Inserting before line 1 renumbers every line.
         select(e->lvwIngredients, 0);
@@ -222,15 +214,15 @@ private Q_SLOTS:
         e->txtItem->setText(QStringLiteral("Butter"));
         m_boxes->answer(MsgResult::Yes);
         e->cmdIngAdd_Click();
-        QCOMPARE(column(e->lvwIngredients, 3), (QStringList{"Butter", "Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
-        QCOMPARE(column(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05", "06"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), (QStringList{"Butter", "Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05", "06"}));
 
         // Removing line 3 renumbers the rest.
         select(e->lvwIngredients, 2);
         m_boxes->answer(MsgResult::Yes);
         e->cmdIngRemove_Click();
-        QCOMPARE(column(e->lvwIngredients, 3), (QStringList{"Butter", "Flour", "Eggs", "Milk", "Salt"}));
-        QCOMPARE(column(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), (QStringList{"Butter", "Flour", "Eggs", "Milk", "Salt"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05"}));
 
         e->lvwIngredients->setCurrentItem(nullptr);
         e->cmdIngRemove_Click();
@@ -268,8 +260,8 @@ private Q_SLOTS:
             m_boxes->answer(MsgResult::No); // overwrite
         addStep(*e, QStringLiteral("Rest"));
         const QStringList numbers = existing ? QStringList{"01", "02", "03"} : QStringList{"01", "02", "03", "04"};
-        QCOMPARE(column(e->lvwDirections, 0), numbers);
-        QCOMPARE(column(e->lvwDirections, 1).at(shown.toInt() - 1), QStringLiteral("Rest"));
+        QCOMPARE(ColumnTexts(e->lvwDirections, 0), numbers);
+        QCOMPARE(ColumnTexts(e->lvwDirections, 1).at(shown.toInt() - 1), QStringLiteral("Rest"));
     }
 
     void directionsAddInsertOverwriteRemove()
@@ -287,8 +279,8 @@ private Q_SLOTS:
         m_boxes->answer(MsgResult::Yes);
         addStep(*e, QStringLiteral("Rest"));
         QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("You have entered a duplicate step.  The default process will Overwrite the old step.\n\nWould you like to Insert the new step instead?"));
-        QCOMPARE(column(e->lvwDirections, 1), (QStringList{"Mix", "Rest", "Bake", "Serve"}));
-        QCOMPARE(column(e->lvwDirections, 0), (QStringList{"01", "02", "03", "04"}));
+        QCOMPARE(ColumnTexts(e->lvwDirections, 1), (QStringList{"Mix", "Rest", "Bake", "Serve"}));
+        QCOMPARE(ColumnTexts(e->lvwDirections, 0), (QStringList{"01", "02", "03", "04"}));
         QCOMPARE(e->txtStep->text(), QStringLiteral("05"));
 
         select(e->lvwDirections, 3);
@@ -296,7 +288,7 @@ private Q_SLOTS:
         QCOMPARE(e->txtStep->text(), QStringLiteral("04"));
         m_boxes->answer(MsgResult::No);
         addStep(*e, QStringLiteral("Serve warm"));
-        QCOMPARE(column(e->lvwDirections, 1), (QStringList{"Mix", "Rest", "Bake", "Serve warm"}));
+        QCOMPARE(ColumnTexts(e->lvwDirections, 1), (QStringList{"Mix", "Rest", "Bake", "Serve warm"}));
 
         for (int i = 0; i < 4; ++i) {
             select(e->lvwDirections, 0);
@@ -316,12 +308,12 @@ private Q_SLOTS:
         QCOMPARE(e->defaultButton(), e->cmdDirAdd);
         QTest::keyClicks(e->txtDirection, QStringLiteral("Whisk"));
         QTest::keyClick(e->txtDirection, Qt::Key_Return);
-        QCOMPARE(column(e->lvwDirections, 1), QStringList{QStringLiteral("Whisk")});
+        QCOMPARE(ColumnTexts(e->lvwDirections, 1), QStringList{QStringLiteral("Whisk")});
         e->txtItem->setFocus();
         QCOMPARE(e->defaultButton(), e->cmdIngAdd);
         typeIngredient(*e, QStringLiteral("2"), QStringLiteral("cup"), QStringLiteral("Rice"), QStringLiteral("rice"));
         QTest::keyClick(e->txtItem, Qt::Key_Return);
-        QCOMPARE(column(e->lvwIngredients, 3), QStringList{QStringLiteral("Rice")});
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), QStringList{QStringLiteral("Rice")});
     }
 
     void tabbedViewAddsOnlyOnItsTab()
@@ -471,8 +463,8 @@ private Q_SLOTS:
         QCOMPARE(e.cboCategory->currentText(), QString()); // NULL reads as empty
         QCOMPARE(e.txtNotes->toPlainText(), QString());
         QCOMPARE(e.txtCookTime->text(), QStringLiteral("02:00"));
-        QCOMPARE(column(e.lvwIngredients, 3), (QStringList{"Onions", "Beef"}));
-        QCOMPARE(column(e.lvwIngredients, 0), (QStringList{"01", "02"}));
+        QCOMPARE(ColumnTexts(e.lvwIngredients, 3), (QStringList{"Onions", "Beef"}));
+        QCOMPARE(ColumnTexts(e.lvwIngredients, 0), (QStringList{"01", "02"}));
         QCOMPARE(e.txtStep->text(), QStringLiteral("02"));
         QVERIFY(e.cmdSaveAs->isEnabled());
         QVERIFY(!e.RecipeChange);
@@ -482,26 +474,20 @@ private Q_SLOTS:
 
     void screenshotsOfBothArrangements()
     {
-        RecipeData recipe;
-        recipe.recipeType = QStringLiteral("Food");
-        recipe.title = QStringLiteral("Grandmother's Apple Pie");
+        RecipeData recipe = TestRecipe(QStringLiteral("Grandmother's Apple Pie"),
+                                       {"2 1/2|cup|Flour, sifted|flour", "1|cup|Butter, cold|butter",
+                                        "6|---|Apples, peeled and sliced|apple", "3/4|cup|Sugar|sugar",
+                                        "1|tsp|Cinnamon|cinnamon", "---|pinch|Salt|salt"},
+                                       {"Rub the butter into the flour and salt; add cold water to make a dough.",
+                                        "Toss the apples with sugar and cinnamon.",
+                                        "Fill the lined dish, cover, and bake at 190 C for 45 minutes."});
         recipe.category = QStringLiteral("Desserts");
         recipe.servings = QStringLiteral("8 Servings");
         recipe.prepTime = QStringLiteral("00:30");
         recipe.cookTime = QStringLiteral("00:45");
         recipe.notes = QStringLiteral("Serve warm with cream.");
         recipe.rating = QStringLiteral("****");
-        const char *lines[][4] = {{"2 1/2", "cup", "Flour, sifted", "flour"}, {"1", "cup", "Butter, cold", "butter"},
-                                  {"6", "---", "Apples, peeled and sliced", "apple"}, {"3/4", "cup", "Sugar", "sugar"},
-                                  {"1", "tsp", "Cinnamon", "cinnamon"}, {"---", "pinch", "Salt", "salt"}};
-        int n = 0;
-        for (const auto &l : lines)
-            recipe.ingredients.append({QStringLiteral("%1").arg(++n, 2, 10, QLatin1Char('0')), QLatin1String(l[0]),
-                                       QLatin1String(l[1]), QLatin1String(l[2]), QLatin1String(l[3])});
-        recipe.directions = {{"01", "Rub the butter into the flour and salt; add cold water to make a dough."},
-                             {"02", "Toss the apples with sugar and cinnamon."},
-                             {"03", "Fill the lined dish, cover, and bake at 190 C for 45 minutes."}};
-        QVERIFY(StoreRecipe(recipe, 1, false));
+        StoreTestRecipe(recipe, 1);
         for (bool tabbed : {true, false}) {
             frmAdd2 e;
             e.TabbedView = tabbed;

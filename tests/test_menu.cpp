@@ -19,23 +19,9 @@
 namespace {
 
 // A recipe of ingredient lines, each "amount|measure|cabinet".
-qint32 storeRecipe(const QString &title, const QStringList &lines, const QString &type = QStringLiteral("Food"))
+qint32 storeRecipe(const QString &title, const QStringList &lines)
 {
-    RecipeData r;
-    r.recipeType = type;
-    r.title = title;
-    for (const QString &line : lines) {
-        const QStringList f = line.split(u'|');
-        r.ingredients.append({QStringLiteral("%1").arg(r.ingredients.size() + 1, 2, 10, QLatin1Char('0')), f[0], f[1],
-                              f[2], f[2]});
-    }
-    const qint32 id = NextId(QStringLiteral("RECIPE"));
-    return StoreRecipe(r, id, false) ? id : -1;
-}
-
-QString sevenDigits(qint32 id)
-{
-    return QStringLiteral("%1").arg(id, 7, 10, QLatin1Char('0'));
+    return StoreTestRecipe(TestRecipe(title, lines));
 }
 
 // Every node as "parent > key = text", in the tree's order.
@@ -141,7 +127,7 @@ private Q_SLOTS:
                                   "Day: 2 > Day: 2, Meal: D = Dinner",
                                   "Day: 3 > Day: 3, Meal: B = Breakfast",
                                   "Day: 3 > Day: 3, Meal: D = Dinner",
-                                  "Day: 2, Meal: B > Day: 2, Meal: B, ID: " + sevenDigits(soup) + " = Soup"};
+                                  "Day: 2, Meal: B > Day: 2, Meal: B, ID: " + SevenDigits(soup) + " = Soup"};
         QCOMPARE(shape(menu.tree()), planned);
         QVERIFY(menu.dataChanged());
         menu.cmdSave_Click();
@@ -215,7 +201,7 @@ private Q_SLOTS:
         // A chain of sub recipes longer than a key can hold: the old menu stays whole.
         QString key = QStringLiteral("Title: 1");
         while (key.size() <= 255) {
-            const QString next = key + QStringLiteral(", ID: ") + sevenDigits(id);
+            const QString next = key + QStringLiteral(", ID: ") + SevenDigits(id);
             again.tree().add(key, next, QStringLiteral("Stew"));
             key = next;
         }
@@ -241,9 +227,9 @@ private Q_SLOTS:
     {
         const qint32 soup = storeRecipe(QStringLiteral("Soup"), {"1|cup|onion"});
         insertRows({"0, '', 'Root', 'All Menus'", "1, 'Root', 'Title: 1', 'Week'",
-                    "2, 'Title: 1', 'Title: 1, ID: " + sevenDigits(soup) + "', 'Soup'"});
+                    "2, 'Title: 1', 'Title: 1, ID: " + SevenDigits(soup) + "', 'Soup'"});
         frmMenu &menu = openMenu();
-        const QString soupKey = "Title: 1, ID: " + sevenDigits(soup);
+        const QString soupKey = "Title: 1, ID: " + SevenDigits(soup);
         select(soupKey);
         m_boxes->answer(MsgResult::No);
         chooseAll();
@@ -253,7 +239,7 @@ private Q_SLOTS:
         m_boxes->answer(MsgResult::Yes);
         chooseAll();
         menu.cmdAddRecipes_Click();
-        QVERIFY(menu.tree().find(soupKey + ", ID: " + sevenDigits(soup)));
+        QVERIFY(menu.tree().find(soupKey + ", ID: " + SevenDigits(soup)));
 
         menu.tvMenu_DblClick(); // a recipe: its report
         QCOMPARE(m_printed.size(), 1);

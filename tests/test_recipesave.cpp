@@ -18,14 +18,10 @@ namespace {
 
 RecipeData sampleRecipe(const QString &title)
 {
-    RecipeData r;
-    r.recipeType = QStringLiteral("Food");
-    r.title = title;
+    RecipeData r = TestRecipe(title, {"1|cup|Rice|rice", "2|cup|Water|water"}, {"Boil.", "Simmer."});
     r.servings = QStringLiteral("4");
     r.prepTime = QStringLiteral("00:10");
     r.cookTime = QStringLiteral("00:20");
-    r.ingredients = {{"01", "1", "cup", "Rice", "rice"}, {"02", "2", "cup", "Water", "water"}};
-    r.directions = {{"01", "Boil."}, {"02", "Simmer."}};
     return r;
 }
 
@@ -42,10 +38,11 @@ class TestRecipeSave : public SessionTest
         e->show();
         return e;
     }
-    frmAdd2 *editEditor(qint32 id)
+    // The stored recipe "Rice" (identifier 5), opened for editing.
+    frmAdd2 *editRice()
     {
-        frmAdd2 *e = OpenRecipeEditor(id, QStringLiteral("Food"));
-        return e;
+        StoreTestRecipe(sampleRecipe(QStringLiteral("Rice")), 5);
+        return OpenRecipeEditor(5, QStringLiteral("Food"));
     }
 
 private Q_SLOTS:
@@ -73,16 +70,10 @@ private Q_SLOTS:
         QCOMPARE(e->txtTitle->text(), QString());
         QCOMPARE(e->lvwIngredients->topLevelItemCount(), 0);
 
-        const RecipeData stored = LoadRecipe(1);
-        QCOMPARE(stored.title, QStringLiteral("Mom's pie"));
-        QCOMPARE(stored.servings, QStringLiteral("6"));
-        QCOMPARE(stored.recipeType, QStringLiteral("Food"));
-        QCOMPARE(stored.prepTime, QStringLiteral("00:00"));
-        QCOMPARE(stored.ingredients.size(), 1);
-        QCOMPARE(stored.ingredients[0].amount, QStringLiteral("1 1/2"));
-        QCOMPARE(stored.ingredients[0].ingredient, QStringLiteral("Apples, sliced"));
-        QCOMPARE(stored.directions.size(), 1);
-        QCOMPARE(stored.directions[0].direction, QStringLiteral("Bake it."));
+        RecipeData meant = TestRecipe(QStringLiteral("Mom's pie"), {"1 1/2|cup|Apples, sliced|apple"}, {"Bake it."});
+        meant.servings = QStringLiteral("6");
+        meant.prepTime = meant.cookTime = QStringLiteral("00:00");
+        QCOMPARE(Describe(LoadRecipe(1)), Describe(meant));
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE id = 1 AND type = 'F'"), 1);
     }
 
@@ -106,8 +97,7 @@ private Q_SLOTS:
 
     void overwritingReplacesTheLinesAndCloses()
     {
-        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
-        frmAdd2 *e = editEditor(5);
+        frmAdd2 *e = editRice();
         QPointer<frmAdd2> alive(e);
         QCOMPARE(gSubWindows, qint16(1));
         e->lvwIngredients->setCurrentItem(e->lvwIngredients->topLevelItem(1));
@@ -127,8 +117,7 @@ private Q_SLOTS:
 
     void declinedOverwriteWritesNothing()
     {
-        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
-        frmAdd2 *e = editEditor(5);
+        frmAdd2 *e = editRice();
         e->txtTitle->setText(QStringLiteral("Changed"));
         m_boxes->answer(MsgResult::No);
         e->cmdSave_Click();
@@ -139,8 +128,7 @@ private Q_SLOTS:
 
     void saveAsLeavesTheOriginalAndCloses()
     {
-        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
-        frmAdd2 *e = editEditor(5);
+        frmAdd2 *e = editRice();
         e->txtTitle->setText(QStringLiteral("Rice for two"));
         m_boxes->answer(MsgResult::Yes);
         e->cmdSaveAs_Click();
@@ -153,8 +141,7 @@ private Q_SLOTS:
 
     void failedCopyKeepsSaveAsCopyAndWritesNothing()
     {
-        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
-        frmAdd2 *e = editEditor(5);
+        frmAdd2 *e = editRice();
         e->txtNotes->setPlainText(QStringLiteral("Ask Bob', then Ann"));
         m_boxes->answer(MsgResult::Yes);
         e->cmdSaveAs_Click();
@@ -192,8 +179,7 @@ private Q_SLOTS:
         QFETCH(QString, field);
         QFETCH(QString, text);
         QFETCH(QString, message);
-        QVERIFY(StoreRecipe(sampleRecipe(QStringLiteral("Rice")), 5, false));
-        frmAdd2 *e = editEditor(5);
+        frmAdd2 *e = editRice();
         QLineEdit *edit = field == u"title" ? e->txtTitle : field == u"direction" ? e->txtDirection
                         : field == u"item" ? e->txtItem : e->cboCategory->lineEdit();
         edit->setText(text);
@@ -239,11 +225,7 @@ private Q_SLOTS:
             QString problem;
             if (StoreRecipe(r, 1, true, &problem)) {
                 ++stored;
-                const RecipeData back = LoadRecipe(1);
-                QVERIFY(back.recipeType == r.recipeType && back.title == r.title && back.servings == r.servings &&
-                        back.category == r.category && back.notes == r.notes);
-                QCOMPARE(back.ingredients[1].ingredient, r.ingredients[1].ingredient);
-                QCOMPARE(back.directions[0].direction, r.directions[0].direction);
+                QCOMPARE(Describe(LoadRecipe(1)), Describe(r));
             } else {
                 QVERIFY2(problem.contains(QStringLiteral("cannot be stored")), qPrintable(problem));
                 QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 0);
@@ -304,11 +286,10 @@ private Q_SLOTS:
         e->txtDirection->setText(text);
         e->cmdSave_Click();
         QVERIFY2(m_boxes->boxes.isEmpty(), qPrintable(m_boxes->report()));
-        const RecipeData stored = LoadRecipe(1);
-        QCOMPARE(stored.title, text.left(500));
-        QCOMPARE(stored.notes, text);
-        QCOMPARE(stored.ingredients.value(0).ingredient, text);
-        QCOMPARE(stored.directions.value(0).direction, text);
+        RecipeData meant = TestRecipe(text.left(500), {"1|cup|" + text + "|x"}, {text});
+        meant.notes = text;
+        meant.prepTime = meant.cookTime = QStringLiteral("00:00");
+        QCOMPARE(Describe(LoadRecipe(1)), Describe(meant));
     }
 };
 

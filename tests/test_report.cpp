@@ -28,17 +28,13 @@ namespace {
 
 RecipeData pie()
 {
-    RecipeData r;
-    r.recipeType = QStringLiteral("Food");
-    r.title = QStringLiteral("Apple Pie");
+    RecipeData r = TestRecipe(QStringLiteral("Apple Pie"), {"2|cup|Flour|flour", "---|---|Salt|salt", "6|---|Apples|apple"},
+                              {"Make the dough.", "Bake."});
     r.category = QStringLiteral("Desserts");
     r.servings = QStringLiteral("8");
     r.prepTime = QStringLiteral("00:30");
     r.cookTime = QStringLiteral("00:00");
     r.notes = QStringLiteral("Best warm.");
-    r.ingredients = {{"01", "2", "cup", "Flour", "flour"}, {"02", "---", "---", "Salt", "salt"},
-                     {"03", "6", "---", "Apples", "apple"}};
-    r.directions = {{"01", "Make the dough."}, {"02", "Bake."}};
     return r;
 }
 
@@ -107,11 +103,11 @@ private Q_SLOTS:
 
     void reportOfSeveralRecipes()
     {
-        QVERIFY(StoreRecipe(pie(), 1, false));
+        StoreTestRecipe(pie(), 1);
         RecipeData soup = pie();
         soup.title = QStringLiteral("Soup");
         soup.notes.clear();
-        QVERIFY(StoreRecipe(soup, 2, false));
+        StoreTestRecipe(soup, 2);
 
         gSettings.PageNumbers = true;
         PrintRecipes({2});
@@ -152,7 +148,7 @@ private Q_SLOTS:
 
     void deletedRecipesLeaveAnEmptyHeading()
     {
-        QVERIFY(StoreRecipe(pie(), 1, false));
+        StoreTestRecipe(pie(), 1);
         PrintRecipes({7, 1});
         const QStringList plain = texts(m_shown[0]);
         QCOMPARE(plain.mid(0, 3), (QStringList{"", "", "Apple Pie"}));

@@ -18,10 +18,7 @@ namespace {
 
 QStringList amounts(const frmAdd2 &e)
 {
-    QStringList texts;
-    for (int i = 0; i < e.lvwIngredients->topLevelItemCount(); ++i)
-        texts.append(e.lvwIngredients->topLevelItem(i)->text(1));
-    return texts;
+    return ColumnTexts(e.lvwIngredients, 1);
 }
 
 // The dialog as the user fills it: a new count (and, in fraction mode, a denominator).
@@ -56,7 +53,7 @@ public:
         int n = 0;
         for (const QString &amount : amountTexts)
             e->lvwIngredients->addTopLevelItem(new QTreeWidgetItem(
-                {QStringLiteral("%1").arg(++n, 2, 10, QLatin1Char('0')), amount, QStringLiteral("cup"),
+                {TwoDigits(++n), amount, QStringLiteral("cup"),
                  QStringLiteral("Item %1").arg(n), QStringLiteral("item")}));
         e->RecipeChange = false;
         return e;

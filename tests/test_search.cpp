@@ -25,28 +25,20 @@ void store(qint32 id, const QString &title, const QString &type = QStringLiteral
            const QString &prep = QStringLiteral("00:30"), const QString &rating = QString(),
            const QStringList &cabinets = {}, const QString &category = QStringLiteral("Desserts"))
 {
-    RecipeData r;
-    r.recipeType = type;
-    r.title = title;
+    QStringList lines;
+    for (const QString &cabinet : cabinets)
+        lines << QStringLiteral("1|cup|%1, chopped|%1").arg(cabinet);
+    RecipeData r = TestRecipe(title, lines, {}, type);
     r.category = category;
     r.prepTime = prep;
     r.cookTime = QStringLiteral("01:00");
     r.rating = rating;
-    int n = 0;
-    for (const QString &cabinet : cabinets) {
-        ++n;
-        r.ingredients.append({QStringLiteral("%1").arg(n, 2, 10, QLatin1Char('0')), QStringLiteral("1"),
-                              QStringLiteral("cup"), cabinet + QStringLiteral(", chopped"), cabinet});
-    }
-    QVERIFY(StoreRecipe(r, id, false));
+    StoreTestRecipe(r, id);
 }
 
 QStringList listed(const frmSearch &s, int column = 1)
 {
-    QStringList texts;
-    for (int i = 0; i < s.lvwRecipes->topLevelItemCount(); ++i)
-        texts.append(s.lvwRecipes->topLevelItem(i)->text(column));
-    return texts;
+    return ColumnTexts(s.lvwRecipes, column);
 }
 
 void selectRows(frmSearch &s, const QList<int> &rows)

@@ -21,42 +21,29 @@ namespace {
 
 RecipeData recipe(const QString &title, int ingredients = 2, int directions = 1)
 {
-    RecipeData r;
-    r.recipeType = QStringLiteral("Food");
+    QStringList lines, steps;
+    for (int i = 1; i <= ingredients; ++i)
+        lines << QStringLiteral("%1|cups|onions, sliced %1|onion").arg(i);
+    for (int i = 1; i <= directions; ++i)
+        steps << QStringLiteral("Step %1.").arg(i);
+    RecipeData r = TestRecipe(title, lines, steps);
     r.servings = QStringLiteral("4");
     r.category = QStringLiteral("Soup");
-    r.title = title;
     r.prepTime = QStringLiteral("00:15");
     r.cookTime = QStringLiteral("00:40");
     r.rating = QStringLiteral("3");
-    for (int i = 1; i <= ingredients; ++i)
-        r.ingredients.append({QStringLiteral("%1").arg(i, 2, 10, QLatin1Char('0')), QStringLiteral("%1").arg(i),
-                              QStringLiteral("cups"), QStringLiteral("onions, sliced %1").arg(i),
-                              QStringLiteral("onion")});
-    for (int i = 1; i <= directions; ++i)
-        r.directions.append({QStringLiteral("%1").arg(i, 2, 10, QLatin1Char('0')), QStringLiteral("Step %1.").arg(i)});
     return r;
 }
 
 // Stores the recipe under the next identifier and answers it in the search window's form.
 QString store(const RecipeData &r)
 {
-    const qint32 id = NextId(QStringLiteral("RECIPE"));
-    if (!StoreRecipe(r, id, false))
-        return {};
-    return QStringLiteral("%1").arg(id, 7, 10, QLatin1Char('0'));
+    return SevenDigits(StoreTestRecipe(r));
 }
 
-// A stored recipe as one text, every field and line, for comparing two recipes.
 QString describe(qint32 id)
 {
-    const RecipeData r = LoadRecipe(id);
-    QStringList parts{r.recipeType, r.servings, r.category, r.title, r.prepTime, r.cookTime, r.notes, r.rating};
-    for (const IngredientLine &line : r.ingredients)
-        parts << line.number + u':' + line.amount + u'|' + line.measure + u'|' + line.ingredient + u'|' + line.cabinet;
-    for (const DirectionLine &line : r.directions)
-        parts << line.step + u':' + line.direction;
-    return parts.join(QStringLiteral(" / "));
+    return Describe(LoadRecipe(id));
 }
 
 QStringList titlesFrom(qint32 firstId)

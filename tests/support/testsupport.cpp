@@ -6,6 +6,8 @@
 #include "core/datasources.h"
 #include "core/schema.h"
 #include "core/frmstatus.h"
+#include "core/platform.h"
+#include "recipes/reciperepository.h"
 
 #include <QDir>
 #include <QLabel>
@@ -15,6 +17,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QTest>
+#include <QTreeWidget>
 
 #include <utility>
 
@@ -174,36 +177,79 @@ bool FakeShell::openDocument(const QString &path)
     return QFile::exists(path);
 }
 
-void StartSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedResponder> &boxes,
-                  bool withDatabase)
+void SessionTest::init()
 {
-    home = std::make_unique<TestHome>();
-    if (withDatabase)
-        home->createAndOpenDatabase();
-    boxes = std::make_unique<ScriptedResponder>();
+    m_home = std::make_unique<TestHome>();
+    if (m_withDatabase)
+        m_home->createAndOpenDatabase();
+    m_boxes = std::make_unique<ScriptedResponder>();
     gSubWindows = 0;
     gRecipeType = QStringLiteral("Food");
     gSettings = AppSettings();
     gMaxRecipeID = 0;
 }
 
-void EndSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedResponder> &boxes)
+void SessionTest::cleanup()
 {
-    const bool clean = boxes->clean();
-    const QString report = boxes->report();
-    boxes.reset();
-    home.reset();
+    const bool clean = m_boxes->clean();
+    const QString report = m_boxes->report();
+    m_boxes.reset();
+    m_home.reset();
     QVERIFY2(clean, qPrintable(report));
 }
 
-void SessionTest::init()
+QString TwoDigits(int n)
 {
-    StartSession(m_home, m_boxes, m_withDatabase);
+    return Format(n, QStringLiteral("00"));
 }
 
-void SessionTest::cleanup()
+QString SevenDigits(qint32 id)
 {
-    EndSession(m_home, m_boxes);
+    return Format(id, QStringLiteral("0000000"));
+}
+
+RecipeData TestRecipe(const QString &title, const QStringList &lines, const QStringList &steps, const QString &type)
+{
+    RecipeData r;
+    r.recipeType = type;
+    r.title = title;
+    for (const QString &line : lines) {
+        const QStringList f = line.split(u'|');
+        r.ingredients.append({TwoDigits(int(r.ingredients.size()) + 1), f.value(0), f.value(1), f.value(2),
+                              f.value(f.size() > 3 ? 3 : 2)});
+    }
+    for (const QString &step : steps)
+        r.directions.append({TwoDigits(int(r.directions.size()) + 1), step});
+    return r;
+}
+
+qint32 StoreTestRecipe(const RecipeData &recipe, qint32 id)
+{
+    if (id == 0)
+        id = NextId(QStringLiteral("RECIPE"));
+    QString problem;
+    if (StoreRecipe(recipe, id, false, &problem))
+        return id;
+    QTest::qFail(qPrintable(QStringLiteral("cannot store %1: %2").arg(recipe.title, problem)), __FILE__, __LINE__);
+    return -1;
+}
+
+QString Describe(const RecipeData &r)
+{
+    QStringList parts{r.recipeType, r.servings, r.category, r.title, r.prepTime, r.cookTime, r.notes, r.rating};
+    for (const IngredientLine &line : r.ingredients)
+        parts << line.number + u':' + line.amount + u'|' + line.measure + u'|' + line.ingredient + u'|' + line.cabinet;
+    for (const DirectionLine &line : r.directions)
+        parts << line.step + u':' + line.direction;
+    return parts.join(QStringLiteral(" / "));
+}
+
+QStringList ColumnTexts(const QTreeWidget *list, int column)
+{
+    QStringList texts;
+    for (int i = 0; i < list->topLevelItemCount(); ++i)
+        texts.append(list->topLevelItem(i)->text(column));
+    return texts;
 }
 
 int QueryNumber(const QString &sql)

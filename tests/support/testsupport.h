@@ -4,12 +4,15 @@
 
 #include "core/msgbox.h"
 #include "core/shell.h"
+#include "recipes/recipedata.h"
 
 #include <QList>
 #include <QObject>
 #include <QQueue>
 #include <QStringList>
 #include <QTemporaryDir>
+
+class QTreeWidget;
 
 #include <functional>
 #include <memory>
@@ -118,18 +121,27 @@ protected:
 
 protected Q_SLOTS:
     void init();
+    // Fails the test when a box came unexpected or a scripted answer went unused.
     void cleanup();
 
 private:
     bool m_withDatabase;
 };
 
-// The start of a window test: a fresh program directory (with an open database unless told
-// otherwise), the program-wide values as at start-up, and the scripted responder.
-void StartSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedResponder> &boxes,
-                  bool withDatabase = true);
-// The end of one: fails the test when a box came unexpected or a scripted answer went unused.
-void EndSession(std::unique_ptr<TestHome> &home, std::unique_ptr<ScriptedResponder> &boxes);
+// A recipe to test with. Lines read "amount|measure|ingredient|cabinet" (the cabinet name is
+// the ingredient when left out); lines and steps are numbered from 01.
+RecipeData TestRecipe(const QString &title, const QStringList &lines = {}, const QStringList &steps = {},
+                      const QString &type = QStringLiteral("Food"));
+// Stores the recipe under the identifier (the next free one when 0): the identifier, or -1
+// with a test failure when it could not be stored.
+qint32 StoreTestRecipe(const RecipeData &recipe, qint32 id = 0);
+QString TwoDigits(int n);
+// An identifier as the lists show it.
+QString SevenDigits(qint32 id);
+// A recipe as one text, every field and line, for comparing two recipes.
+QString Describe(const RecipeData &recipe);
+// The texts of a list's column, top to bottom.
+QStringList ColumnTexts(const QTreeWidget *list, int column = 0);
 
 // The first field of the first row of a query on the session, -1 when there is none.
 int QueryNumber(const QString &sql);
