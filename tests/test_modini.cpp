@@ -65,7 +65,7 @@ class TestModIni : public QObject
     QString m_ini;
     std::unique_ptr<TestHome> m_home;
 
-    void write(const char *text) { WriteFile(m_ini, text); }
+    void write(const QByteArray &text) { WriteFile(m_ini, text); }
     QString contents() const { return ReadFile(m_ini); }
     static QStringList sectionsOf(const QString &path)
     {
@@ -147,35 +147,46 @@ private Q_SLOTS:
         QCOMPARE(GetIniValue(m_ini, "broken", "Seek"), QStringLiteral("False"));
     }
 
-    void replacingAKeyKeepsEveryOtherLine()
+    // One write (or delete, for a line without "="), the file before and after.
+    void writesInPlace_data()
     {
-        write("[Misc]\nSeek=True\n\nStandardAdd=False\n\n[Files]\nPreview=x\n");
-        WriteIniValue(m_ini, "Misc", "StandardAdd=True");
-        QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=True\n\nStandardAdd=True\n\n[Files]\nPreview=x\n"));
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("after");
+        QTest::addColumn<QString>("readBack"); // the key's value in the section, read again
+        QTest::newRow("replacing keeps every other line")
+            << "[Misc]\nSeek=True\n\nStandardAdd=False\n\n[Files]\nPreview=x\n" << "Misc" << "StandardAdd=True"
+            << "[Misc]\nSeek=True\n\nStandardAdd=True\n\n[Files]\nPreview=x\n" << "True";
+        QTest::newRow("a new key lands under the next section's header")
+            << "[Misc]\nSeek=True\n[Files]\nPreview=x\n" << "Misc" << "MaxRecipeID=12"
+            << "[Misc]\nSeek=True\n[Files]\nMaxRecipeID=12\nPreview=x\n" << "";
+        QTest::newRow("a new key in the last section ends it")
+            << "[Files]\nPreview=x\n[Misc]\nSeek=True\n" << "Misc" << "MaxRecipeID=12"
+            << "[Files]\nPreview=x\n[Misc]\nSeek=True\nMaxRecipeID=12\n" << "12";
+        QTest::newRow("an absent section is appended")
+            << "[Files]\nPreview=x\n" << "FIRSTRUN" << "CONDB=YES" << "[Files]\nPreview=x\n\n[FIRSTRUN]\nCONDB=YES\n" << "YES";
+        QTest::newRow("a header on the last line takes the key")
+            << "[Files]\nPreview=x\n[Misc]" << "Misc" << "Seek=True" << "[Files]\nPreview=x\n[Misc]\nSeek=True\n" << "True";
+        QTest::newRow("delete in its section only")
+            << "[Rating]\n00=\n01=*\n02=**\n[Other]\n01=keep\n" << "Rating" << "01"
+            << "[Rating]\n00=\n02=**\n[Other]\n01=keep\n" << "";
+        QTest::newRow("delete of an absent key") << "[Rating]\n00=\n" << "Rating" << "99" << "[Rating]\n00=\n" << "";
     }
-
-    void newKeyLandsUnderTheNextSectionsHeader()
+    void writesInPlace()
     {
-        write("[Misc]\nSeek=True\n[Files]\nPreview=x\n");
-        WriteIniValue(m_ini, "Misc", "MaxRecipeID=12");
-        QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=True\n[Files]\nMaxRecipeID=12\nPreview=x\n"));
-        QCOMPARE(GetIniValue(m_ini, "Misc", "MaxRecipeID"), QString());
-        QCOMPARE(GetIniValue(m_ini, "Files", "MaxRecipeID"), QStringLiteral("12"));
-    }
-
-    void newKeyInTheLastSectionEndsIt()
-    {
-        write("[Files]\nPreview=x\n[Misc]\nSeek=True\n");
-        WriteIniValue(m_ini, "Misc", "MaxRecipeID=12");
-        QCOMPARE(contents(), QStringLiteral("[Files]\nPreview=x\n[Misc]\nSeek=True\nMaxRecipeID=12\n"));
-    }
-
-    void absentSectionIsAppended()
-    {
-        write("[Files]\nPreview=x\n");
-        WriteIniValue(m_ini, "FIRSTRUN", "CONDB=YES");
-        QCOMPARE(contents(), QStringLiteral("[Files]\nPreview=x\n\n[FIRSTRUN]\nCONDB=YES\n"));
-        QCOMPARE(GetIniValue(m_ini, "FIRSTRUN", "CONDB"), QStringLiteral("YES"));
+        QFETCH(QString, before);
+        QFETCH(QString, section);
+        QFETCH(QString, line);
+        QFETCH(QString, after);
+        QFETCH(QString, readBack);
+        write(before.toUtf8());
+        if (line.contains(u'='))
+            WriteIniValue(m_ini, section, line);
+        else
+            DeleteIniKey(m_ini, section, line);
+        QCOMPARE(contents(), after);
+        QCOMPARE(GetIniValue(m_ini, section, line.section(u'=', 0, 0)), readBack);
     }
 
     void missingFileIsCreatedWithoutLeadingEmptyLine()
@@ -198,14 +209,6 @@ private Q_SLOTS:
         WriteIniValue(m_ini, "Amount_Food", "9=nine", true);
         WriteIniValue(m_ini, "Amount_Food", "10=ten", true);
         QCOMPARE(GetIniSection(m_ini, "Amount_Food"), (QStringList{"00=---", "10=ten", "9=nine"}));
-    }
-
-    void headerOnTheLastLineTakesTheKey()
-    {
-        write("[Files]\nPreview=x\n[Misc]");
-        WriteIniValue(m_ini, "Misc", "Seek=True");
-        QCOMPARE(contents(), QStringLiteral("[Files]\nPreview=x\n[Misc]\nSeek=True\n"));
-        QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("True"));
     }
 
     void latin1FileIsWrittenBackInLatin1()
@@ -302,14 +305,6 @@ private Q_SLOTS:
             QCOMPARE(ReadFile(m_ini), ReadFile(reference));
             QCOMPARE(ReadFile(keyByKey), ReadFile(reference));
         }
-    }
-
-    void deletingAKey()
-    {
-        write("[Rating]\n00=\n01=*\n02=**\n[Other]\n01=keep\n");
-        DeleteIniKey(m_ini, "Rating", "01");
-        DeleteIniKey(m_ini, "Rating", "99");
-        QCOMPARE(contents(), QStringLiteral("[Rating]\n00=\n02=**\n[Other]\n01=keep\n"));
     }
 
     void unwritableDirectoryKeepsTheFile()
