@@ -9,6 +9,7 @@
 #include "search/frmsearch.h"
 #include "settings/frmmaint.h"
 #include "settings/frmsettings.h"
+#include "transfer/mealmastercommands.h"
 #include "transfer/transfercommands.h"
 
 void RegisterWindows()
@@ -28,6 +29,8 @@ void RegisterWindows()
     hooks.restoreDatabase = [] { RestoreDatabase(); };
     hooks.resetRatings = [] { ResetRatings(); };
     hooks.exportTransfer = [] { ExportTransfer(); };
+    hooks.importMealMaster = [] { ImportMealMaster(); };
+    hooks.exportMealMaster = [] { ExportMealMaster(); };
     hooks.importTransfer = [] { ImportTransfer(); };
     hooks.viewTransferFile = [] { ViewTransferFile(); };
     hooks.resetTransferFile = [] { ResetTransferFile(); };

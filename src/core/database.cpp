@@ -264,18 +264,38 @@ bool ReportNotConnected()
     return true;
 }
 
+namespace {
+int g_batchDepth = 0; // batches open inside one another
+}
+
 StatementBatch::StatementBatch()
 {
-    if (!gNotConnected)
+    if (gNotConnected)
+        return;
+    if (g_batchDepth == 0) {
         m_active = gConn().transaction();
+    } else {
+        // Inside another batch: a savepoint, so that this one can fail alone.
+        m_savepoint = QStringLiteral("batch") + QString::number(g_batchDepth);
+        m_active = QSqlQuery(gConn()).exec(QStringLiteral("SAVEPOINT ") + m_savepoint);
+    }
+    if (m_active)
+        ++g_batchDepth;
 }
 
 StatementBatch::~StatementBatch()
 {
     if (!m_active)
         return;
-    if (m_failed)
+    --g_batchDepth;
+    if (!m_savepoint.isEmpty()) {
+        QSqlQuery query(gConn());
+        if (m_failed)
+            query.exec(QStringLiteral("ROLLBACK TO ") + m_savepoint);
+        query.exec(QStringLiteral("RELEASE ") + m_savepoint);
+    } else if (m_failed) {
         gConn().rollback();
-    else
+    } else {
         gConn().commit();
+    }
 }

@@ -61,6 +61,7 @@ bool ReportNotConnected();
 
 // Runs several statements as one commit, so that a recipe's dozens of lines are written at
 // once. After fail() nothing of the batch is kept: a recipe is stored whole or not at all.
+// A batch inside another fails alone; what it kept is committed with the outer one.
 class StatementBatch
 {
 public:
@@ -73,4 +74,5 @@ public:
 private:
     bool m_active = false;
     bool m_failed = false;
+    QString m_savepoint; // set inside another batch
 };

@@ -116,6 +116,9 @@ void frmMain::buildMenus()
     mnuViewTransferFile = action(mnuTransfer, "mnuViewTransferFile", QStringLiteral("&View File"));
     mnuImport = action(mnuTransfer, "mnuImport", QStringLiteral("I&mport"));
     mnuExport = action(mnuTransfer, "mnuExport", QStringLiteral("E&xport"));
+    mnuTransfer->addSeparator();
+    mnuImportMealMaster = action(mnuTransfer, "mnuImportMealMaster", QStringLiteral("&Import MealMaster..."));
+    mnuExportMealMaster = action(mnuTransfer, "mnuExportMealMaster", QStringLiteral("Ex&port MealMaster..."));
     QMenu *mnuCabinetTools = mnuTools->addMenu(QStringLiteral("&Cabinet Tools"));
     mnuCabinetTools->setObjectName(QStringLiteral("mnuCabinetTools"));
     mnuRepair = action(mnuCabinetTools, "mnuRepair", QStringLiteral("Re&pair"));
@@ -154,6 +157,8 @@ void frmMain::buildMenus()
     wire(mnuViewTransferFile, &QAction::triggered, hooks.viewTransferFile);
     wire(mnuImport, &QAction::triggered, hooks.importTransfer);
     wire(mnuExport, &QAction::triggered, hooks.exportTransfer);
+    wire(mnuImportMealMaster, &QAction::triggered, hooks.importMealMaster);
+    wire(mnuExportMealMaster, &QAction::triggered, hooks.exportMealMaster);
     wire(mnuRepair, &QAction::triggered, hooks.repairCabinet);
     wire(mnuRefresh, &QAction::triggered, hooks.refreshCabinet);
     wire(mnuDelDup, &QAction::triggered, hooks.cleanCabinet);

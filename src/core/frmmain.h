@@ -22,7 +22,7 @@ public:
     QComboBox *cboRecipeType;
 
     QAction *mnuAdd, *mnuSearch, *mnuCabinet, *mnuMenu, *mnuExit;
-    QAction *mnuResetFile, *mnuViewTransferFile, *mnuImport, *mnuExport;
+    QAction *mnuResetFile, *mnuViewTransferFile, *mnuImport, *mnuExport, *mnuImportMealMaster, *mnuExportMealMaster;
     QAction *mnuRepair, *mnuRefresh, *mnuDelDup;
     QAction *mnuBackupDB, *mnuRestore, *mnuReset;
     QAction *mnuSettings, *mnuList;

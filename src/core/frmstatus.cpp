@@ -1,17 +1,20 @@
 #include "frmstatus.h"
 
 #include "msgbox.h"
+#include "userinputblock.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QPointer>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
 
 namespace {
 QPointer<frmStatus> g_status;
+bool g_cancellable = false;
 }
 
 frmStatus::frmStatus(QWidget *parent)
@@ -31,10 +34,14 @@ frmStatus::frmStatus(QWidget *parent)
     lblPct = new QLabel(QStringLiteral("0%"), this);
     lblPct->setObjectName(QStringLiteral("lblPct"));
     lblPct->setAlignment(Qt::AlignCenter);
+    cmdCancel = new QPushButton(QStringLiteral("Cancel"), this);
+    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+    cmdCancel->hide();
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(lblMessage);
     layout->addWidget(pgbStatus);
     layout->addWidget(lblPct);
+    layout->addWidget(cmdCancel, 0, Qt::AlignHCenter);
     // A notice has no progress to show: the bar appears with the first progress set.
     pgbStatus->hide();
     lblPct->hide();
@@ -95,6 +102,8 @@ void ShowStatusStep(const QString &message, int value)
     }
     g_status->lblMessage->setText(message);
     SetStatusProgress(value);
+    if (g_cancellable) // a click on Cancel is seen here, between two steps
+        QCoreApplication::processEvents();
     sincePaint.start();
 }
 
@@ -108,4 +117,25 @@ void CloseStatus()
 frmStatus *StatusWindow()
 {
     return g_status;
+}
+
+StatusCancel::StatusCancel()
+{
+    if (!g_status)
+        return;
+    g_cancellable = true;
+    m_block = std::make_unique<UserInputBlock>(g_status);
+    QObject::connect(g_status->cmdCancel, &QPushButton::clicked, g_status, [this] { m_requested = true; });
+    g_status->cmdCancel->show();
+    g_status->cmdCancel->setFocus();
+    g_status->adjustSize();
+}
+
+StatusCancel::~StatusCancel()
+{
+    g_cancellable = false;
+    if (!g_status)
+        return;
+    g_status->cmdCancel->disconnect();
+    g_status->cmdCancel->hide();
 }

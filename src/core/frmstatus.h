@@ -3,8 +3,12 @@
 
 #include <QWidget>
 
+#include <memory>
+
 class QLabel;
 class QProgressBar;
+class QPushButton;
+class UserInputBlock;
 
 class frmStatus : public QWidget
 {
@@ -15,6 +19,8 @@ public:
     QLabel *lblMessage;
     QProgressBar *pgbStatus;
     QLabel *lblPct;
+    // Shown only while a task that may be stopped runs.
+    QPushButton *cmdCancel;
 };
 
 // Shows the status window (creating it when needed) with the message.
@@ -40,4 +46,21 @@ public:
     ~StatusGuard() { CloseStatus(); }
     StatusGuard(const StatusGuard &) = delete;
     StatusGuard &operator=(const StatusGuard &) = delete;
+};
+
+// While it lives, the status window shows Cancel, and each step of the task (ShowStatusStep)
+// lets a click reach it; every other click and key is dropped meanwhile. The task asks
+// requested() between its steps and stops there.
+class StatusCancel
+{
+public:
+    StatusCancel();
+    ~StatusCancel();
+    bool requested() const { return m_requested; }
+    StatusCancel(const StatusCancel &) = delete;
+    StatusCancel &operator=(const StatusCancel &) = delete;
+
+private:
+    bool m_requested = false;
+    std::unique_ptr<UserInputBlock> m_block;
 };

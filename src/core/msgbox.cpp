@@ -1,5 +1,7 @@
 #include "msgbox.h"
 
+#include "userinputblock.h"
+
 #include <QApplication>
 #include <QDateTime>
 #include <QDialog>
@@ -91,8 +93,17 @@ QString AskFileName(const QString &title, const QString &current, const QString 
     QWidget *parent = QApplication::activeWindow();
     if (use == FileUse::Open)
         return QFileDialog::getOpenFileName(parent, title, current, filter);
+    if (use == FileUse::Export)
+        return QFileDialog::getSaveFileName(parent, title, current, filter);
     // The file is only named here; it is written (and replaced) when the command runs.
     return QFileDialog::getSaveFileName(parent, title, current, filter, nullptr, QFileDialog::DontConfirmOverwrite);
+}
+
+QStringList AskFileNames(const QString &title, const QString &current, const QString &filter)
+{
+    if (g_responder)
+        return g_responder->fileNames(title, current);
+    return QFileDialog::getOpenFileNames(QApplication::activeWindow(), title, current, filter);
 }
 
 void ShowModal(QDialog *dialog)
@@ -104,46 +115,6 @@ void ShowModal(QDialog *dialog)
     dialog->exec();
 }
 
-namespace {
-
-// What the user does while the program waits is dropped, as on the original platform's modal
-// sleep: a click on Save during the " has been saved!" notice must not save again, and a
-// window must not be closed under a command that is still running.
-class UserInputBlock : public QObject
-{
-public:
-    UserInputBlock() { QCoreApplication::instance()->installEventFilter(this); }
-    ~UserInputBlock() override { QCoreApplication::instance()->removeEventFilter(this); }
-
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (!event->spontaneous())
-            return QObject::eventFilter(watched, event);
-        switch (event->type()) {
-        case QEvent::ShortcutOverride:
-            event->accept(); // claimed, so that no shortcut fires either
-            return true;
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease:
-        case QEvent::Shortcut:
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::Wheel:
-        case QEvent::ContextMenu:
-        case QEvent::TouchBegin:
-        case QEvent::TouchUpdate:
-        case QEvent::TouchEnd:
-        case QEvent::TabletPress:
-        case QEvent::Close:
-            return true;
-        default:
-            return QObject::eventFilter(watched, event);
-        }
-    }
-};
-
-} // namespace
 
 void Wait(double seconds)
 {

@@ -38,8 +38,12 @@ MsgResult MsgBox(const QString &prompt, MsgStyle style = Msg::Ok, const QString 
 QString InputBox(const QString &prompt, const QString &title = {}, const QString &defaultText = {});
 // Asks for a file with the desktop's file dialog, starting at current; filter as Qt writes it
 // ("Rich text (*.rtf);;All files (*)"). A file to write need not exist. "" for Cancel.
-enum class FileUse { Open, Save };
+// Save names a file the command replaces without asking (its own settings); Export asks
+// before replacing a file that exists.
+enum class FileUse { Open, Save, Export };
 QString AskFileName(const QString &title, const QString &current, const QString &filter, FileUse use);
+// Asks for one or more files to read; none for Cancel.
+QStringList AskFileNames(const QString &title, const QString &current, const QString &filter);
 // A list for a message: one line each, the first 20 and then how many more there are.
 QString MessageList(const QStringList &lines);
 // Shows a dialog modally and returns when it has been hidden.
@@ -56,6 +60,12 @@ public:
     virtual QString inputBox(const QString &prompt, const QString &title,
                              const QString &defaultText) = 0;
     virtual QString fileName(const QString &title, const QString &current) = 0;
+    // One answer of fileName, a name a line.
+    virtual QStringList fileNames(const QString &title, const QString &current)
+    {
+        const QString names = fileName(title, current);
+        return names.isEmpty() ? QStringList() : names.split(u'\n');
+    }
     virtual void showModal(QDialog *dialog) = 0;
     virtual void wait(double seconds) = 0;
 };

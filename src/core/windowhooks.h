@@ -17,6 +17,8 @@ struct WindowHooks {
     std::function<void()> viewTransferFile;
     std::function<void()> importTransfer;
     std::function<void()> exportTransfer;
+    std::function<void()> importMealMaster;
+    std::function<void()> exportMealMaster;
     std::function<void()> repairCabinet;
     std::function<void()> refreshCabinet;
     std::function<void()> cleanCabinet;

@@ -1,0 +1,509 @@
+#include "mealmaster.h"
+
+#include "cabinet/cabinettools.h"
+
+#include <QIODevice>
+
+#include <array>
+#include <cstring>
+
+namespace {
+
+// Each code with the names it may stand for, the usual name first.
+struct CodeNames {
+    const char *code;
+    std::initializer_list<const char *> names;
+};
+const CodeNames kCodes[] = {
+    {"t", {"tsp", "teaspoon"}},    {"ts", {"tsp", "teaspoon"}},     {"T", {"Tbsp", "tablespoon"}},
+    {"tb", {"Tbsp", "tablespoon"}}, {"c", {"cup", "cups"}},           {"pt", {"pint"}},
+    {"qt", {"quart"}},             {"ga", {"gallon"}},               {"fl", {"fl oz", "fluid ounce"}},
+    {"oz", {"oz", "ounce"}},       {"lb", {"lb", "pound"}},          {"mg", {"mg"}},
+    {"cg", {"cg"}},                {"dg", {"dg"}},                   {"g", {"g", "gram"}},
+    {"kg", {"kg", "kilogram"}},    {"ml", {"ml"}},                   {"cl", {"cl"}},
+    {"dl", {"dl"}},                {"l", {"l", "liter", "litre"}},   {"cb", {"cc"}},
+    {"pn", {"pinch"}},             {"dr", {"drop"}},                 {"ds", {"dash"}},
+    {"cn", {"can"}},               {"pk", {"package", "pkg"}},       {"ct", {"carton"}},
+    {"bn", {"bunch"}},             {"sl", {"slice"}},                {"ea", {"each", "piece"}},
+    {"sm", {"small"}},             {"md", {"medium"}},               {"lg", {"large"}},
+    {"x", {"per serving"}},
+};
+
+const QString kUnsetMeasure = QStringLiteral("---");
+constexpr qsizetype kIngredientRoom = 28; // text columns 12 to 39
+constexpr qsizetype kDirectionRoom = 76;  // after a two-blank indent
+const QString kNotes = QStringLiteral("Notes: ");
+const QStringList kTimeKeys{QStringLiteral("Prep Time"), QStringLiteral("Cook Time"), QStringLiteral("Rating")};
+
+// The DOS code page 437, bytes 0x80 to 0xFF.
+const char16_t kCp437[128] = {
+    0x00C7, 0x00FC, 0x00E9, 0x00E2, 0x00E4, 0x00E0, 0x00E5, 0x00E7, 0x00EA, 0x00EB, 0x00E8, 0x00EF, 0x00EE,
+    0x00EC, 0x00C4, 0x00C5, 0x00C9, 0x00E6, 0x00C6, 0x00F4, 0x00F6, 0x00F2, 0x00FB, 0x00F9, 0x00FF, 0x00D6,
+    0x00DC, 0x00A2, 0x00A3, 0x00A5, 0x20A7, 0x0192, 0x00E1, 0x00ED, 0x00F3, 0x00FA, 0x00F1, 0x00D1, 0x00AA,
+    0x00BA, 0x00BF, 0x2310, 0x00AC, 0x00BD, 0x00BC, 0x00A1, 0x00AB, 0x00BB, 0x2591, 0x2592, 0x2593, 0x2502,
+    0x2524, 0x2561, 0x2562, 0x2556, 0x2555, 0x2563, 0x2551, 0x2557, 0x255D, 0x255C, 0x255B, 0x2510, 0x2514,
+    0x2534, 0x252C, 0x251C, 0x2500, 0x253C, 0x255E, 0x255F, 0x255A, 0x2554, 0x2569, 0x2566, 0x2560, 0x2550,
+    0x256C, 0x2567, 0x2568, 0x2564, 0x2565, 0x2559, 0x2558, 0x2552, 0x2553, 0x256B, 0x256A, 0x2518, 0x250C,
+    0x2588, 0x2584, 0x258C, 0x2590, 0x2580, 0x03B1, 0x00DF, 0x0393, 0x03C0, 0x03A3, 0x03C3, 0x00B5, 0x03C4,
+    0x03A6, 0x0398, 0x03A9, 0x03B4, 0x221E, 0x03C6, 0x03B5, 0x2229, 0x2261, 0x00B1, 0x2265, 0x2264, 0x2320,
+    0x2321, 0x00F7, 0x2248, 0x00B0, 0x2219, 0x00B7, 0x221A, 0x207F, 0x00B2, 0x25A0, 0x00A0};
+
+bool isHeader(const QString &trimmed)
+{
+    return (trimmed.startsWith(QLatin1String("MMMMM")) || trimmed.startsWith(QLatin1String("-----"))) &&
+           trimmed.contains(QLatin1String("Meal-Master"), Qt::CaseInsensitive);
+}
+
+bool isEnd(const QString &trimmed)
+{
+    return trimmed == QLatin1String("MMMMM") || trimmed == QLatin1String("-----");
+}
+
+// A heading inside the ingredient list ("MMMMM-----SAUCE-----"); its words, or "" when the
+// line is none.
+QString headingOf(const QString &trimmed)
+{
+    if (!(trimmed.startsWith(QLatin1String("MMMMM-")) || trimmed.startsWith(QLatin1String("-----"))))
+        return {};
+    qsizetype from = 0;
+    while (from < trimmed.size() && (trimmed[from] == u'M' || trimmed[from] == u'-'))
+        ++from;
+    qsizetype to = trimmed.size();
+    while (to > from && (trimmed[to - 1] == u'-' || trimmed[to - 1] == u'M'))
+        --to;
+    return trimmed.mid(from, to - from).trimmed();
+}
+
+// The value after "Key:" when the line is that field.
+bool field(const QString &trimmed, QLatin1String key, QString &value)
+{
+    if (!trimmed.startsWith(key, Qt::CaseInsensitive))
+        return false;
+    const QString rest = trimmed.mid(key.size()).trimmed();
+    if (!rest.startsWith(u':'))
+        return false;
+    value = rest.mid(1).trimmed();
+    return true;
+}
+
+// The text in lines of at most room characters, broken at blanks; a word longer than the room
+// stands whole on its line.
+QStringList wrap(const QString &text, qsizetype room)
+{
+    QStringList lines;
+    QString rest = text;
+    while (rest.size() > room) {
+        qsizetype at = rest.lastIndexOf(u' ', room);
+        if (at <= 0)
+            at = rest.indexOf(u' ', room);
+        if (at <= 0)
+            break;
+        lines << rest.left(at);
+        rest = rest.mid(at + 1);
+    }
+    lines << rest;
+    return lines;
+}
+
+// A paragraph of "Prep Time:", "Cook Time:" and "Rating:" lines sets those fields; false, and
+// nothing set, when it is another paragraph.
+bool readTimes(const QStringList &paragraph, RecipeData &r)
+{
+    QString *fields[] = {&r.prepTime, &r.cookTime, &r.rating};
+    QString values[3];
+    bool seen[3] = {};
+    for (const QString &line : paragraph) {
+        const qsizetype k = kTimeKeys.indexOf(line.section(u':', 0, 0));
+        if (k < 0 || seen[k] || !line.contains(u':'))
+            return false;
+        seen[k] = true;
+        values[k] = line.section(u':', 1).trimmed();
+    }
+    for (int k = 0; k < 3; ++k)
+        if (seen[k])
+            *fields[k] = values[k];
+    return true;
+}
+
+bool fitsAmountColumn(const QString &amount)
+{
+    if (amount.size() > 7 || amount.trimmed() != amount)
+        return false;
+    for (const QChar c : amount)
+        if (!(c.isDigit() && c.unicode() < 128) && c != u' ' && c != u'/' && c != u'.' && c != u'-')
+            return false;
+    return true;
+}
+
+// Whether the bytes are UTF-8 (and whether they hold 0x80-0x9F), carried across calls.
+struct EncodingScan {
+    int pending = 0; // continuation bytes still due
+    bool valid = true;
+    bool c1 = false;
+
+    void feed(const char *data, qsizetype size)
+    {
+        for (qsizetype i = 0; i < size && valid; ++i) {
+            const auto b = static_cast<unsigned char>(data[i]);
+            if (b >= 0x80 && b <= 0x9F)
+                c1 = true;
+            if (pending > 0) {
+                if ((b & 0xC0) != 0x80)
+                    valid = false;
+                --pending;
+            } else if (b >= 0xC2 && b <= 0xDF) {
+                pending = 1;
+            } else if (b >= 0xE0 && b <= 0xEF) {
+                pending = 2;
+            } else if (b >= 0xF0 && b <= 0xF4) {
+                pending = 3;
+            } else if (b >= 0x80) {
+                valid = false;
+            }
+        }
+        if (!valid) // the C1 bytes are all that is left to learn
+            for (qsizetype i = 0; i < size && !c1; ++i)
+                c1 = static_cast<unsigned char>(data[i]) >= 0x80 && static_cast<unsigned char>(data[i]) <= 0x9F;
+    }
+};
+
+} // namespace
+
+MeasureCodes::MeasureCodes(const QStringList &householdMeasures)
+    : m_household(householdMeasures)
+{
+    m_household.removeAll(kUnsetMeasure);
+    m_household.removeAll(QString());
+    for (const CodeNames &entry : kCodes) {
+        const QString code = QLatin1String(entry.code);
+        QString chosen;
+        for (const char *candidate : entry.names) {
+            for (const QString &own : std::as_const(m_household))
+                if (own.compare(QLatin1String(candidate), Qt::CaseInsensitive) == 0) {
+                    chosen = own;
+                    break;
+                }
+            if (!chosen.isEmpty())
+                break;
+        }
+        if (chosen.isEmpty())
+            chosen = QLatin1String(*entry.names.begin());
+        m_names.insert(code, chosen);
+        if (!m_codes.contains(chosen))
+            m_codes.insert(chosen, code);
+    }
+}
+
+QString MeasureCodes::name(const QString &code) const
+{
+    if (code.isEmpty())
+        return kUnsetMeasure;
+    return m_names.value(code, code);
+}
+
+QString MeasureCodes::code(const QString &measure) const
+{
+    return m_codes.value(measure);
+}
+
+QString MeasureCodes::leadingMeasure(const QString &text) const
+{
+    for (const QString &own : m_household)
+        if (text.size() > own.size() && text.startsWith(own, Qt::CaseSensitive) && text[own.size()] == u' ')
+            return own;
+    return {};
+}
+
+MealMasterEncoding DetectMealMasterEncoding(QIODevice &file)
+{
+    EncodingScan scan;
+    const qint64 start = file.pos();
+    std::array<char, 1 << 16> buffer;
+    for (qint64 n; (n = file.read(buffer.data(), buffer.size())) > 0;)
+        scan.feed(buffer.data(), n);
+    file.seek(start);
+    if (scan.valid)
+        return MealMasterEncoding::Utf8;
+    return scan.c1 ? MealMasterEncoding::Cp437 : MealMasterEncoding::Latin1;
+}
+
+QString DecodeMealMasterLine(const QByteArray &line, MealMasterEncoding encoding)
+{
+    switch (encoding) {
+    case MealMasterEncoding::Utf8:
+        return QString::fromUtf8(line);
+    case MealMasterEncoding::Latin1:
+        return QString::fromLatin1(line);
+    case MealMasterEncoding::Cp437:
+        break;
+    }
+    QString text(line.size(), Qt::Uninitialized);
+    QChar *out = text.data();
+    for (const char c : line) {
+        const auto b = static_cast<unsigned char>(c);
+        *out++ = b < 0x80 ? QChar(char16_t(b)) : QChar(kCp437[b - 0x80]);
+    }
+    return text;
+}
+
+MealMasterIngredient ParseMealMasterIngredient(const QString &column)
+{
+    MealMasterIngredient ingredient;
+    if (column.size() < 12 || column.at(7) != u' ' || column.at(10) != u' ')
+        return ingredient;
+    const QString amount = column.left(7);
+    for (const QChar c : amount)
+        if (!(c.isDigit() && c.unicode() < 128) && c != u' ' && c != u'/' && c != u'.' && c != u'-')
+            return ingredient;
+    const QString code = column.mid(8, 2);
+    for (const QChar c : code)
+        if (!(c == u' ' || (c.unicode() < 128 && c.isLetter())))
+            return ingredient;
+    if (code.at(0) == u' ' && code.at(1) != u' ')
+        return ingredient;
+    ingredient.amount = amount.trimmed();
+    ingredient.code = code.trimmed();
+    ingredient.text = column.mid(11).trimmed();
+    ingredient.ok = !ingredient.text.isEmpty() || !ingredient.amount.isEmpty() || !ingredient.code.isEmpty();
+    return ingredient;
+}
+
+QString MealMasterCabinetName(const QString &ingredient)
+{
+    // Collections often write "Onion; chopped": the semicolon ends the name as a comma does.
+    return StripToDelimiter(ingredient.section(u';', 0, 0));
+}
+
+MealMasterReader::MealMasterReader(QIODevice &file, const MeasureCodes &codes)
+    : m_file(file)
+    , m_codes(codes)
+    , m_encoding(DetectMealMasterEncoding(file))
+{
+}
+
+qint64 MealMasterReader::position() const
+{
+    return m_file.pos();
+}
+
+bool MealMasterReader::readLine(Line &line)
+{
+    if (m_pending) {
+        m_pending = false;
+        line = m_next;
+        return true;
+    }
+    if (m_file.atEnd())
+        return false;
+    line.begin = m_file.pos();
+    QByteArray bytes = m_file.readLine(kLongestLine + 2);
+    line.tooLong = bytes.size() > kLongestLine && !bytes.endsWith('\n');
+    if (line.tooLong) { // the rest of the line is passed over
+        bytes.truncate(80);
+        while (!m_file.atEnd() && !m_file.readLine(1 << 16).endsWith('\n')) {
+        }
+    }
+    while (bytes.endsWith('\n') || bytes.endsWith('\r'))
+        bytes.chop(1);
+    line.text = DecodeMealMasterLine(bytes, m_encoding);
+    return true;
+}
+
+bool MealMasterReader::next(MealMasterRecipe &out)
+{
+    Line line;
+    // Up to the next header; what stands between recipes is not a recipe.
+    for (;;) {
+        if (!readLine(line))
+            return false;
+        if (!line.tooLong && isHeader(line.text.trimmed()))
+            break;
+    }
+    out = MealMasterRecipe();
+    out.begin = line.begin;
+    QList<Line> lines;
+    bool ended = false;
+    bool tooLong = false;
+    while (readLine(line)) {
+        const QString trimmed = line.text.trimmed();
+        if (!line.tooLong && isHeader(trimmed)) { // the next recipe begins: this one has no end
+            m_next = line;
+            m_pending = true;
+            break;
+        }
+        if (!line.tooLong && isEnd(trimmed)) {
+            ended = true;
+            break;
+        }
+        tooLong = tooLong || line.tooLong;
+        lines.append(line);
+    }
+    out.end = m_pending ? m_next.begin : m_file.pos();
+    parse(lines, out);
+    if (tooLong)
+        out.problem = QStringLiteral("a line is longer than %1 characters").arg(kLongestLine);
+    else if (!ended)
+        out.problem = m_pending ? QStringLiteral("it has no end line before the next recipe")
+                                : QStringLiteral("the file ends before the recipe's end line");
+    else if (out.recipe.title.isEmpty())
+        out.problem = QStringLiteral("it has no title");
+    return true;
+}
+
+void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) const
+{
+    RecipeData &r = out.recipe;
+    r.recipeType = QStringLiteral("Food");
+    r.prepTime = r.cookTime = QStringLiteral("00:00");
+    QStringList kept; // what has no field of its own, for the notes
+
+    qsizetype i = 0;
+    // The header fields.
+    for (; i < lines.size(); ++i) {
+        const QString t = lines[i].text.trimmed();
+        QString value;
+        if (t.isEmpty())
+            continue;
+        if (field(t, QLatin1String("Title"), value)) {
+            r.title = value;
+        } else if (field(t, QLatin1String("Categories"), value)) {
+            const QStringList all = value.split(u',', Qt::SkipEmptyParts);
+            r.category = all.value(0).trimmed();
+            if (all.size() > 1)
+                kept << QStringLiteral("Categories: ") + value;
+        } else if (field(t, QLatin1String("Yield"), value) || field(t, QLatin1String("Servings"), value)) {
+            r.servings = value;
+        } else {
+            break;
+        }
+    }
+
+    // The ingredient lines, one or two columns; the right column's lines follow the left's.
+    QList<MealMasterIngredient> columns[2];
+    QStringList headings;
+    bool afterBlank = false;
+    const auto add = [](QList<MealMasterIngredient> &list, const MealMasterIngredient &part) {
+        if (part.amount.isEmpty() && part.code.isEmpty() && part.text.startsWith(u'-') && !list.isEmpty())
+            list.last().text += u' ' + part.text.mid(1).trimmed();
+        else
+            list.append(part);
+    };
+    for (; i < lines.size(); ++i) {
+        const QString &text = lines[i].text;
+        const QString t = text.trimmed();
+        if (t.isEmpty()) {
+            afterBlank = true;
+            continue;
+        }
+        if (const QString heading = headingOf(t); !heading.isEmpty()) {
+            headings << QStringLiteral("%1 (before ingredient line %2)")
+                            .arg(heading)
+                            .arg(columns[0].size() + columns[1].size() + 1);
+            continue;
+        }
+        const MealMasterIngredient left = ParseMealMasterIngredient(text.size() > 40 ? text.left(39) : text);
+        const MealMasterIngredient right = text.size() > 40 && text.at(39) == u' '
+                                               ? ParseMealMasterIngredient(text.mid(40))
+                                               : MealMasterIngredient();
+        const bool twoColumns = right.ok && (left.ok || text.left(39).trimmed().isEmpty());
+        const MealMasterIngredient whole = twoColumns ? left : ParseMealMasterIngredient(text);
+        if (!whole.ok && !twoColumns)
+            break;
+        // After a blank line only a line with an amount or a measure goes on with the list:
+        // an indented paragraph is the directions.
+        if (afterBlank && whole.amount.isEmpty() && whole.code.isEmpty() &&
+            !(twoColumns && (!right.amount.isEmpty() || !right.code.isEmpty())))
+            break;
+        afterBlank = false;
+        if (whole.ok)
+            add(columns[0], whole);
+        if (twoColumns)
+            add(columns[1], right);
+    }
+    for (const auto &column : columns)
+        for (const MealMasterIngredient &part : column) {
+            QString measure = m_codes.name(part.code);
+            QString item = part.text;
+            if (part.code.isEmpty()) {
+                if (const QString own = m_codes.leadingMeasure(item); !own.isEmpty()) {
+                    measure = own;
+                    item = item.mid(own.size() + 1).trimmed();
+                }
+            }
+            r.ingredients.append({QStringLiteral("%1").arg(r.ingredients.size() + 1, 2, 10, QLatin1Char('0')),
+                                  part.amount.isEmpty() ? kUnsetMeasure : part.amount, measure, item,
+                                  MealMasterCabinetName(item)});
+        }
+
+    // The directions, a paragraph a step; then the times and the notes.
+    QStringList paragraph;
+    QStringList notes;
+    const auto flush = [&] {
+        if (paragraph.isEmpty())
+            return;
+        const QString joined = paragraph.join(u' ');
+        if (!notes.isEmpty() || joined.startsWith(kNotes)) {
+            notes << (notes.isEmpty() ? joined.mid(kNotes.size()) : joined);
+        } else if (!readTimes(paragraph, r)) {
+            r.directions.append({QStringLiteral("%1").arg(r.directions.size() + 1, 2, 10, QLatin1Char('0')), joined});
+        }
+        paragraph.clear();
+    };
+    for (; i < lines.size(); ++i) {
+        const QString t = lines[i].text.trimmed();
+        if (t.isEmpty())
+            flush();
+        else
+            paragraph << t;
+    }
+    flush();
+
+    notes << kept << headings;
+    r.notes = notes.join(QStringLiteral("\n\n"));
+}
+
+QStringList FormatMealMaster(const RecipeData &r, const MeasureCodes &codes)
+{
+    QStringList out{QStringLiteral("MMMMM----- Recipe via Meal-Master (tm) v8.05"), QString(),
+                    QStringLiteral("      Title: ") + r.title, QStringLiteral(" Categories: ") + r.category,
+                    QStringLiteral("      Yield: ") + r.servings, QString()};
+    for (const IngredientLine &line : r.ingredients) {
+        // What the columns cannot hold goes in front of the text, as a person would write it.
+        QString amount = line.amount == kUnsetMeasure ? QString() : line.amount;
+        QString code = line.measure == kUnsetMeasure ? QString() : codes.code(line.measure);
+        QString text = line.ingredient;
+        if (code.isEmpty() && line.measure != kUnsetMeasure)
+            text = line.measure + u' ' + text;
+        if (!fitsAmountColumn(amount)) {
+            text = amount + u' ' + text;
+            amount.clear();
+        }
+        const QStringList parts = wrap(text, kIngredientRoom);
+        out << amount.rightJustified(7) + u' ' + code.leftJustified(2) + u' ' + parts.first();
+        for (qsizetype k = 1; k < parts.size(); ++k)
+            out << QStringLiteral("           -") + parts[k];
+    }
+    const auto paragraph = [&out](const QString &text) {
+        out << QString();
+        for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts))
+            for (const QString &part : wrap(line, kDirectionRoom))
+                out << QStringLiteral("  ") + part;
+    };
+    for (const DirectionLine &line : r.directions)
+        paragraph(line.direction);
+    QStringList times;
+    const QString *values[] = {&r.prepTime, &r.cookTime, &r.rating};
+    for (int k = 0; k < 3; ++k)
+        if (*values[k] != (k < 2 ? QStringLiteral("00:00") : QString()))
+            times << kTimeKeys[k] + QStringLiteral(": ") + *values[k];
+    if (!times.isEmpty())
+        paragraph(times.join(u'\n'));
+    if (!r.notes.isEmpty()) {
+        const QStringList notes = r.notes.split(QStringLiteral("\n\n"));
+        paragraph(kNotes + notes.first());
+        for (qsizetype k = 1; k < notes.size(); ++k)
+            paragraph(notes[k]);
+    }
+    out << QString() << QStringLiteral("MMMMM");
+    return out;
+}

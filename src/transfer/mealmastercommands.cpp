@@ -1,0 +1,196 @@
+#include "mealmastercommands.h"
+
+#include "mealmaster.h"
+
+#include "core/atomicfile.h"
+#include "core/controls.h"
+#include "core/database.h"
+#include "core/frmstatus.h"
+#include "core/modini.h"
+#include "core/msgbox.h"
+#include "core/platform.h"
+#include "core/programdir.h"
+#include "recipes/reciperepository.h"
+#include "search/frmsearch.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+const QString kImportTitle = QStringLiteral("Import MealMaster");
+const QString kExportTitle = QStringLiteral("Export MealMaster");
+const QString kFilter = QStringLiteral("MealMaster files (*.mmf *.mm *.mxp *.txt);;All files (*)");
+
+// The household's food measures, which the measure codes read as.
+MeasureCodes householdCodes()
+{
+    QStringList names;
+    for (const QString &line : GetIniSection(IniPath(), QStringLiteral("Measure_Food")))
+        names << IniLineValue(line);
+    return MeasureCodes(names);
+}
+
+// "<name>-rejected<.ext>" beside the source.
+QString rejectedPath(const QString &source)
+{
+    const QFileInfo info(source);
+    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+    return info.dir().filePath(info.completeBaseName() + QStringLiteral("-rejected") + suffix);
+}
+
+// Reads one file into the database; false when the user cancelled.
+bool importFile(const QString &path, const MeasureCodes &codes, const StatusCancel &cancel,
+                MealMasterImportResult &result)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        result.reasons << QFileInfo(path).fileName() + QStringLiteral(": the file cannot be read (") +
+                              file.errorString() + u')';
+        return true;
+    }
+    const QString name = QFileInfo(path).fileName();
+    const QString message = QStringLiteral("Importing recipes from ") + name;
+    const qint64 size = std::max<qint64>(1, file.size());
+    QByteArray rejected;
+    MealMasterReader reader(file, codes);
+    MealMasterRecipe read;
+    bool goOn = true;
+    {
+        // One commit for the file: a recipe that fails is rolled back alone (a batch of its own
+        // inside this one).
+        StatementBatch batch;
+        for (int number = 1; reader.next(read); ++number) {
+            QString problem = read.problem;
+            if (problem.isEmpty()) {
+                const qint32 id = NextId(QStringLiteral("RECIPE"));
+                if (!StoreRecipe(read.recipe, id, false, &problem) && problem.isEmpty())
+                    problem = QStringLiteral("the database refused it");
+            }
+            if (problem.isEmpty()) {
+                ++result.imported;
+            } else {
+                ++result.rejected;
+                result.reasons << QStringLiteral("%1, recipe %2 (%3): %4")
+                                      .arg(name)
+                                      .arg(number)
+                                      .arg(read.recipe.title.left(60), problem);
+                const qint64 at = reader.position();
+                file.seek(read.begin);
+                rejected += file.read(read.end - read.begin);
+                if (!rejected.endsWith('\n'))
+                    rejected += '\n';
+                file.seek(at);
+            }
+            ShowStatusStep(message, int(1000 * reader.position() / size));
+            if (cancel.requested()) {
+                goOn = false;
+                break;
+            }
+        }
+    }
+    if (!rejected.isEmpty()) {
+        const QString target = rejectedPath(path);
+        try {
+            ReplaceFile(target, rejected);
+            result.rejectedFiles << target;
+        } catch (const PlatformError &e) { // a source on read-only media: the list still says what
+            result.reasons << QStringLiteral("The rejected recipes could not be written to ") + target +
+                                  QStringLiteral(": ") + e.description();
+        }
+    }
+    return goOn;
+}
+
+} // namespace
+
+MealMasterImportResult ImportMealMasterFiles(const QStringList &files)
+{
+    MealMasterImportResult result;
+    const MeasureCodes codes = householdCodes();
+    StatusGuard status(QStringLiteral("Importing recipes..."));
+    SetStatusMaximum(1000);
+    StatusCancel cancel;
+    for (const QString &path : files) {
+        if (!importFile(path, codes, cancel, result)) {
+            result.cancelled = true;
+            break;
+        }
+    }
+    return result;
+}
+
+QString MealMasterImportSummary(const MealMasterImportResult &result)
+{
+    QString text = QStringLiteral("%1 imported, %2 rejected").arg(result.imported).arg(result.rejected);
+    if (result.cancelled)
+        text += QStringLiteral("\n\nThe import was cancelled; the recipes imported before it are kept.");
+    if (!result.rejectedFiles.isEmpty())
+        text += QStringLiteral("\n\nThe rejected recipes were written, as they stood, to:\n") +
+                result.rejectedFiles.join(u'\n') + QStringLiteral("\nCorrect them there and import that file.");
+    if (!result.reasons.isEmpty())
+        text += QStringLiteral("\n\n") + MessageList(result.reasons);
+    return text;
+}
+
+void ImportMealMaster()
+{
+    if (ReportNotConnected())
+        return;
+    const QStringList files = AskFileNames(kImportTitle, ProgramDir(), kFilter);
+    if (files.isEmpty())
+        return;
+    MealMasterImportResult result;
+    {
+        WaitCursor busy;
+        result = ImportMealMasterFiles(files);
+    }
+    if (result.imported + result.rejected == 0 && result.reasons.isEmpty())
+        MsgBox(QStringLiteral("No MealMaster recipes were found in ") + files.join(QStringLiteral(", ")) + u'.',
+               Msg::Information, kImportTitle);
+    else
+        MsgBox(MealMasterImportSummary(result), Msg::Information, kImportTitle);
+}
+
+int ExportMealMasterFile(const QStringList &recipeIds, const QString &file)
+{
+    const MeasureCodes codes = householdCodes();
+    QByteArray out;
+    int written = 0;
+    {
+        StatusGuard status(QStringLiteral("Exporting recipes to ") + file);
+        SetStatusMaximum(int(recipeIds.size()));
+        for (const QString &id : recipeIds) {
+            const RecipeData recipe = LoadRecipe(qint32(Val(id)));
+            ShowStatusStep(QStringLiteral("Exporting recipe ID: ") + id + QStringLiteral(" to ") + file, written);
+            if (!recipe.exists) // deleted since it was chosen
+                continue;
+            if (written > 0)
+                out += '\n';
+            out += FormatMealMaster(recipe, codes).join(u'\n').toUtf8();
+            out += '\n';
+            ++written;
+        }
+    }
+    ReplaceFile(file, out);
+    return written;
+}
+
+void ExportMealMaster()
+{
+    if (ReportNotConnected())
+        return;
+    const QStringList chosen = ChooseRecipes();
+    if (chosen.isEmpty())
+        return;
+    const QString file = AskFileName(kExportTitle, QDir(ProgramDir()).filePath(QStringLiteral("recipes.mmf")),
+                                     kFilter, FileUse::Export);
+    if (file.isEmpty())
+        return;
+    WaitCursor busy;
+    const int written = ExportMealMasterFile(chosen, file);
+    MsgBox(QString::number(written) + (written == 1 ? QStringLiteral(" recipe") : QStringLiteral(" recipes")) +
+               QStringLiteral(" exported to ") + file,
+           Msg::Information, kExportTitle);
+}

@@ -1,0 +1,284 @@
+// MealMaster collections: files read in (layouts, encodings, damage), written out and read back.
+
+#include "core/database.h"
+#include "core/frmstatus.h"
+#include "recipes/reciperepository.h"
+#include "search/frmsearch.h"
+#include "support/testsupport.h"
+#include "transfer/mealmaster.h"
+#include "transfer/mealmastercommands.h"
+
+#include <QBuffer>
+#include <QPushButton>
+#include <QRandomGenerator>
+#include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
+
+namespace {
+
+const QStringList kHousehold{"---", "tsp", "Tbsp", "cup", "oz", "lb", "g", "kg", "ml", "l", "pinch", "clove", "can",
+                             "package", "slice", "piece"};
+
+// The recipes of a file's text, each as one description with the reason it was refused.
+QStringList readAll(const QByteArray &bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    const MeasureCodes codes(kHousehold);
+    MealMasterReader reader(buffer, codes);
+    QStringList recipes;
+    for (MealMasterRecipe r; reader.next(r);)
+        recipes << (r.problem.isEmpty() ? Describe(r.recipe) : QStringLiteral("rejected: ") + r.problem);
+    return recipes;
+}
+
+// A recipe as the reader makes it: Food, no times, cabinet names from the ingredient.
+RecipeData imported(const QString &title, const QStringList &lines, const QStringList &steps)
+{
+    RecipeData r = TestRecipe(title, lines, steps);
+    r.prepTime = r.cookTime = QStringLiteral("00:00");
+    for (IngredientLine &line : r.ingredients)
+        line.cabinet = MealMasterCabinetName(line.ingredient);
+    return r;
+}
+
+const char kPie[] = "MMMMM----- Recipe via Meal-Master (tm) v8.05\n"
+                    "\n"
+                    "      Title: Apple Pie\n"
+                    " Categories: Desserts, Pies\n"
+                    "      Yield: 8 servings\n"
+                    "\n"
+                    "      2 c  Flour, sifted\n"
+                    "  1 1/2 ts Salt\n"
+                    "    1/2 lb Butter; cold and cut into\n"
+                    "           -small pieces\n"
+                    "      6    Apples\n"
+                    "      1    clove Garlic\n"
+                    "           Cinnamon\n"
+                    "\n"
+                    "MMMMM---------------------------TOPPING-------------------------------\n"
+                    "    1-2 zz Sugar\n"
+                    "\n"
+                    "  Rub the butter into the flour\n"
+                    "  and salt.\n"
+                    "\n"
+                    "  Bake at 190 C.\n"
+                    "\n"
+                    "MMMMM\n";
+
+} // namespace
+
+class TestMealMaster : public SessionTest
+{
+    Q_OBJECT
+
+    QString m_file;
+
+    // Imports the files through the menu command, answering its file dialog.
+    void importByCommand(const QStringList &files)
+    {
+        m_boxes->answerFile(files.join(u'\n'));
+        ImportMealMaster();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        SessionTest::init();
+        m_file = m_home->path(QStringLiteral("collection.mmf"));
+    }
+
+    void readsColumnsContinuationsHeadingsAndParagraphs()
+    {
+        RecipeData pie = imported(QStringLiteral("Apple Pie"),
+                                  {"2|cup|Flour, sifted", "1 1/2|tsp|Salt", "1/2|lb|Butter; cold and cut into small pieces",
+                                   "6|---|Apples", "1|clove|Garlic", "---|---|Cinnamon", "1-2|zz|Sugar"},
+                                  {"Rub the butter into the flour and salt.", "Bake at 190 C."});
+        pie.category = QStringLiteral("Desserts");
+        pie.servings = QStringLiteral("8 servings");
+        pie.notes = QStringLiteral("Categories: Desserts, Pies\n\nTOPPING (before ingredient line 7)");
+        QCOMPARE(readAll(kPie), QStringList{Describe(pie)});
+        QCOMPARE(pie.ingredients[2].cabinet, QStringLiteral("Butter"));
+    }
+
+    void headerVariantsAndTwoColumns()
+    {
+        // The right column starts at column 41.
+        const auto two = [](const char *left, const char *right) { return QByteArray(left).leftJustified(40) + right + '\n'; };
+        const QByteArray text = "Some words before the first recipe.\n"
+                                "---------- Recipe via Meal-Master (tm) v8.02\n"
+                                "      Title: Salad\n"
+                                " Categories: Salads\n"
+                                "   Servings: 4\n"
+                                "\n" +
+                                two("      1 c  Lettuce", "      2 tb Oil") + two("      2    Tomatoes", "    1/2 ts Salt") +
+                                "           -ripe\n"
+                                "\n"
+                                "  Toss.\n"
+                                "-----\n";
+        RecipeData salad = imported(QStringLiteral("Salad"), {"1|cup|Lettuce", "2|---|Tomatoes ripe", "2|Tbsp|Oil", "1/2|tsp|Salt"},
+                                    {"Toss."});
+        salad.category = QStringLiteral("Salads");
+        salad.servings = QStringLiteral("4");
+        QCOMPARE(readAll(text), QStringList{Describe(salad)});
+    }
+
+    void encodingsAreDetected_data()
+    {
+        QTest::addColumn<QByteArray>("title");
+        QTest::newRow("UTF-8") << QByteArray("Cr\xc3\xa8me br\xc3\xbbl\xc3\xa9\x65");
+        QTest::newRow("Latin-1") << QByteArray("Cr\xe8me br\xfbl\xe9\x65");
+        QTest::newRow("code page 437") << QByteArray("Cr\x8ame br\x96l\x82\x65");
+    }
+    void encodingsAreDetected()
+    {
+        QFETCH(QByteArray, title);
+        const QStringList read = readAll("MMMMM----- Recipe via Meal-Master\n      Title: " + title + "\n\n  Chill.\nMMMMM\n");
+        QCOMPARE(read.size(), 1);
+        QVERIFY2(read[0].contains(QStringLiteral("Crème brûlée")), qPrintable(read[0]));
+    }
+
+    // Damage costs the recipe it is in, never the others, and never a crash or a hang.
+    void damagedInput_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QStringList>("read");
+        const QByteArray good = "MMMMM----- Recipe via Meal-Master\n      Title: Good\n\n      1 c  Rice\n\n  Boil.\nMMMMM\n";
+        QTest::newRow("cut short") << good + good.left(60) << QStringList{"Good", "rejected: the file ends before the recipe's end line"};
+        QTest::newRow("no end before the next") << good.left(70) + good
+                                                << QStringList{"rejected: it has no end line before the next recipe", "Good"};
+        QTest::newRow("no title") << QByteArray("MMMMM----- Recipe via Meal-Master\n\n  Boil.\nMMMMM\n") + good
+                                  << QStringList{"rejected: it has no title", "Good"};
+        QTest::newRow("binary") << QByteArray(5000, '\0') + QByteArray("\xff\xfe\x01\n", 4) + good << QStringList{"Good"};
+        QTest::newRow("nothing but text") << QByteArray("no recipes here\n") << QStringList();
+        QTest::newRow("empty") << QByteArray() << QStringList();
+        QTest::newRow("a line too long") << good.left(40) + "  " + QByteArray(MealMasterReader::kLongestLine + 10, 'x') + "\n" +
+                                                good.mid(40) + good
+                                         << QStringList{"rejected: a line is longer than 1048576 characters", "Good"};
+    }
+    void damagedInput()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QStringList, read);
+        QStringList titles;
+        for (const QString &recipe : readAll(text))
+            titles << (recipe.startsWith(QStringLiteral("rejected")) ? recipe : recipe.section(QStringLiteral(" / "), 3, 3));
+        QCOMPARE(titles, read);
+    }
+
+    void importStoresWholeRecipesAndSetsTheRejectedAside()
+    {
+        // Its second line cannot be stored: the recipe row and first line, written already, go too.
+        const QByteArray bad = "MMMMM----- Recipe via Meal-Master\n      Title: Mom's pie\n\n      1 c  Flour\n"
+                               "      1 ts Salt (',)\n\n  Bake.\nMMMMM\n";
+        const QByteArray cut = "MMMMM----- Recipe via Meal-Master\n      Title: Cut\n\n  Bake";
+        WriteFile(m_file, QByteArray(kPie) + "\nbetween\n" + bad + kPie + cut);
+        const QString second = m_home->path(QStringLiteral("more.txt"));
+        WriteFile(second, kPie);
+        importByCommand({m_file, second});
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Import MealMaster"));
+        const QString rejectedFile = m_home->path(QStringLiteral("collection-rejected.mmf"));
+        QCOMPARE(m_boxes->boxes[0].prompt.section(u'\n', 0, 5),
+                 QStringLiteral("3 imported, 2 rejected\n\nThe rejected recipes were written, as they stood, to:\n") +
+                     rejectedFile + QStringLiteral("\nCorrect them there and import that file.\n"));
+        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("collection.mmf, recipe 2 (Mom's pie): The ingredient of ingredient line 02 cannot be stored")));
+        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("collection.mmf, recipe 4 (Cut): the file ends")));
+        QCOMPARE(ReadBytes(rejectedFile), bad + cut + '\n');
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 3);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 21);
+        QCOMPARE(LoadRecipe(3).title, QStringLiteral("Apple Pie"));
+        QVERIFY(!QFile::exists(m_home->path(QStringLiteral("more-rejected.txt"))));
+    }
+
+    void aFileWithoutRecipesIsSaidSo()
+    {
+        WriteFile(m_file, "Dear Ann,\nhere is the list.\n");
+        importByCommand({m_file});
+        QCOMPARE(m_boxes->prompts(), QStringList{"No MealMaster recipes were found in " + m_file + "."});
+    }
+
+    void cancelKeepsWhatWasImported()
+    {
+        QByteArray many;
+        for (int i = 0; i < 3000; ++i)
+            many += QByteArray(kPie).replace("Apple Pie", "Pie " + QByteArray::number(i));
+        WriteFile(m_file, many);
+        QTimer::singleShot(0, [] { QTest::mouseClick(StatusWindow()->cmdCancel, Qt::LeftButton); });
+        const MealMasterImportResult result = ImportMealMasterFiles({m_file});
+        QVERIFY(result.cancelled);
+        QVERIFY2(result.imported > 0 && result.imported < 3000, qPrintable(QString::number(result.imported)));
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), result.imported);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 7 * result.imported);
+        QVERIFY(MealMasterImportSummary(result).contains(QStringLiteral("cancelled")));
+    }
+
+    // Recipes of every kind go out and come back equal, within the format's columns. What the
+    // format cannot carry (the recipe type, cabinet names, blanks at a text's ends, runs of
+    // blanks, single line breaks) is left out of the recipes made here.
+    void exportReadsBackEqual()
+    {
+        QRandomGenerator random(5);
+        // Amounts outside the amount column ("about 3") go in front of the text and do not come
+        // back as amounts.
+        const QStringList amounts{"1", "1/2", "2 1/4", "---", "10", "1-2", "0.5"};
+        const QStringList measures{"cup", "tsp", "Tbsp", "---", "g", "clove", "pinch", "lb"};
+        const QStringList words{"Onions,", "chopped", "Mom's", "crème", "牛肉", "(canned)", "50%", "and", "a",
+                                "extraordinarilylongwordthatwillnotfitanywhereatallinthecolumnsofthisformat"};
+        const auto text = [&](int most) {
+            QStringList picked;
+            for (int n = 1 + random.bounded(most); n > 0; --n)
+                picked << words[random.bounded(int(words.size()))];
+            return picked.join(u' ');
+        };
+        QStringList ids;
+        QList<RecipeData> recipes;
+        for (int i = 0; i < 60; ++i) {
+            QStringList lines, steps;
+            for (int n = random.bounded(12); n > 0; --n)
+                lines << amounts[random.bounded(int(amounts.size()))] + u'|' + measures[random.bounded(int(measures.size()))] +
+                             u'|' + text(9);
+            for (int n = random.bounded(5); n > 0; --n)
+                steps << text(40);
+            RecipeData r = imported(QStringLiteral("Recipe %1 ").arg(i) + text(4), lines, steps);
+            r.category = QStringList{"Soups", "Mom's", ""}[i % 3];
+            r.servings = i % 3 ? QStringLiteral("4") : QString();
+            r.prepTime = i % 4 ? QStringLiteral("00:00") : QStringLiteral("01:15");
+            r.rating = QString(i % 5, u'*');
+            r.notes = i % 2 ? text(30) + QStringLiteral("\n\n") + text(5) : QString();
+            ids << SevenDigits(StoreTestRecipe(r));
+            recipes << r;
+        }
+        QCOMPARE(ExportMealMasterFile(ids, m_file), 60);
+        for (const QString &line : ReadFile(m_file).split(u'\n')) {
+            const bool oneWord = !line.trimmed().contains(u' ') || line.contains(words.last());
+            QVERIFY2(line.size() <= 80 || oneWord || line.contains(QStringLiteral("Title: ")), qPrintable(line));
+        }
+        const MealMasterImportResult result = ImportMealMasterFiles({m_file});
+        QCOMPARE(result.imported, 60);
+        for (int i = 0; i < 60; ++i)
+            QCOMPARE(Describe(LoadRecipe(61 + i)), Describe(recipes[i]));
+    }
+
+    void exportCommandChoosesInTheSearchWindow()
+    {
+        StoreTestRecipe(imported(QStringLiteral("Soup"), {"1|cup|Water"}, {"Boil."}));
+        m_boxes->onModal([](QDialog *dialog) {
+            auto *search = static_cast<frmSearch *>(dialog);
+            search->cmdSearch_Click();
+            search->lvwRecipes->selectAll();
+            search->cmdClose_Click();
+        });
+        m_boxes->answerFile(m_file);
+        ExportMealMaster();
+        QCOMPARE(m_boxes->prompts(), QStringList{"1 recipe exported to " + m_file});
+        QCOMPARE(ReadFile(m_file).section(u'\n', 0, 7),
+                 QStringLiteral("MMMMM----- Recipe via Meal-Master (tm) v8.05\n\n      Title: Soup\n Categories: \n"
+                                "      Yield: \n\n      1 c  Water\n"));
+    }
+};
+
+QTEST_MAIN(TestMealMaster)
+#include "test_mealmaster.moc"
