@@ -130,6 +130,54 @@ private Q_SLOTS:
         plain.close();
     }
 
+    // Literal INSERTs run as kept statements with their values bound: what is stored must be
+    // what the engine stores for the statement as written, type and value.
+    void keptInsertsStoreWhatTheLiteralsSay()
+    {
+        m_home->createAndOpenDatabase();
+        QSqlDatabase plain = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("plain"));
+        plain.setDatabaseName(QStringLiteral(":memory:"));
+        QVERIFY(plain.open());
+        const QString table = QStringLiteral("CREATE TABLE T (a, b TEXT, c INTEGER, d REAL, e NUMERIC)");
+        ExecuteSQL(table);
+        QSqlQuery theirs(plain);
+        QVERIFY(theirs.exec(table));
+        const QStringList literals{"'Mom''s'", "''", "'a, b'", "'1'", "007", "-3", "+4", "0", "1.5", ".5", "5.",
+                                   "-0.25", "NULL", "null", "12345678901234567890", "'%&_'", "'x''''y'", "'Борщ'"};
+        QRandomGenerator random(3);
+        for (int round = 0; round < 400; ++round) {
+            QStringList values;
+            for (int k = 0; k < 5; ++k)
+                values << literals[random.bounded(int(literals.size()))];
+            const QString sql = QStringLiteral("INSERT INTO T VALUES (%1)").arg(values.join(QStringLiteral(", ")));
+            QVERIFY2(!ExecuteSQL(sql).failed(), qPrintable(sql));
+            QString prepared = sql; // apostrophes in values doubled, as for every INSERT
+            QVERIFY(theirs.exec(PrepareSQL(prepared)));
+        }
+        const QString read = QStringLiteral("SELECT typeof(a) || quote(a) || typeof(b) || quote(b) || typeof(c) || quote(c) || "
+                                            "typeof(d) || quote(d) || typeof(e) || quote(e) FROM T ORDER BY rowid");
+        QStringList ours;
+        for (Recordset rs = ExecuteSQL(read); rs && !rs.eof(); rs.MoveNext())
+            ours << rs.text(0);
+        QStringList engine;
+        QVERIFY(theirs.exec(read));
+        while (theirs.next())
+            engine << theirs.value(0).toString();
+        QCOMPARE(ours.size(), 400);
+        QCOMPARE(ours, engine);
+        // Statements of another form, or that the engine refuses, take the usual way and errors.
+        QVERIFY(!ExecuteSQL("INSERT INTO T VALUES (1 + 1, 'x', 1, 1, 1)").failed());
+        QCOMPARE(QueryNumber("SELECT a FROM T WHERE b = 'x'"), 2);
+        QVERIFY(ExecuteSQL("INSERT INTO T VALUES (1, 2)").failed()); // too few values: a command-text error
+        QVERIFY(ExecuteSQL("INSERT INTO T VALUES (1, 2, 3, 4, 5) junk").failed());
+        QVERIFY(m_boxes->boxes.isEmpty());
+        ExecuteSQL("INSERT INTO CABINET VALUES ('salt', 'F', 0)");
+        QVERIFY(ExecuteSQL("INSERT INTO CABINET VALUES ('SALT', 'F', 0)").failed()); // reported, as before
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("UNIQUE")));
+        plain.close();
+    }
+
     void longLikePatternsAreRefusedAsTheEngineDoes()
     {
         m_home->createAndOpenDatabase();

@@ -81,6 +81,8 @@ void prepareConnection(QSqlDatabase &db)
     // Searches read every line of every recipe: reading the file through a memory map spares
     // copying each page.
     setup.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
+    // A recipe stored inside a larger batch keeps its way back in memory, not in a temporary file.
+    setup.exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
 }
 
 bool failOpen(OpenFailure *failure, OpenFailure::Kind kind, const QString &file, const QString &reason = {})
@@ -156,6 +158,7 @@ QString RecipeDatabaseProblem(const QString &file)
 void CloseDatabase()
 {
     gRS = Recordset();
+    ReleaseCachedStatements();
     if (QSqlDatabase::contains(kDataSourceName))
         gConn().close();
     gNotConnected = true;

@@ -6,6 +6,10 @@ namespace {
 
 QString translateCode(QString code, bool likeFoldsCase)
 {
+    // Most of a statement is names, commas and numbers: only look closer where there is work.
+    if (!code.contains(u'&') && !code.contains(QLatin1String("UCASE"), Qt::CaseInsensitive) &&
+        !code.contains(QLatin1String("DELETE"), Qt::CaseInsensitive))
+        return code;
     static const QRegularExpression ucaseLike(
         QStringLiteral("\\bUCASE\\s*\\(\\s*([A-Za-z_][A-Za-z0-9_.]*)\\s*\\)(\\s+LIKE\\b)"),
         QRegularExpression::CaseInsensitiveOption);

@@ -8,6 +8,10 @@
 
 #include <sqlite3.h>
 
+#include <QHash>
+
+#include <cctype>
+
 namespace {
 
 // SQLite's code for a statement it cannot parse or prepare (syntax, unknown table or column).
@@ -128,9 +132,182 @@ bool onlyBlanks(const char *text, const char *end)
     return true;
 }
 
+// An INSERT of literal values ("INSERT INTO T VALUES (1, 'a', NULL)") runs as a statement of
+// the same shape with the values bound, prepared once per shape and kept: an import stores
+// hundreds of thousands of lines, and parsing each statement anew costs more than storing it.
+// The values bound are the values the literals stand for, so what is stored is the same.
+class InsertCache
+{
+public:
+    ~InsertCache() { clear(); }
+
+    void clear()
+    {
+        for (sqlite3_stmt *statement : std::as_const(m_statements))
+            sqlite3_finalize(statement);
+        m_statements.clear();
+        m_connection = nullptr;
+    }
+
+    // The statement of the shape, prepared; nullptr when the engine will not prepare it
+    // (the full text then runs as it stands and says why).
+    sqlite3_stmt *statement(sqlite3 *connection, const QByteArray &shape)
+    {
+        if (connection != m_connection) {
+            clear();
+            m_connection = connection;
+        }
+        if (sqlite3_stmt *found = m_statements.value(shape))
+            return found;
+        sqlite3_stmt *statement = nullptr;
+        const char *tail = nullptr;
+        if (sqlite3_prepare_v3(connection, shape.constData(), int(shape.size()), SQLITE_PREPARE_PERSISTENT,
+                               &statement, &tail) != SQLITE_OK ||
+            !statement || (tail && *tail)) {
+            sqlite3_finalize(statement);
+            return nullptr;
+        }
+        m_statements.insert(shape, statement);
+        return statement;
+    }
+
+private:
+    sqlite3 *m_connection = nullptr;
+    QHash<QByteArray, sqlite3_stmt *> m_statements;
+};
+
+InsertCache &insertCache()
+{
+    static InsertCache cache;
+    return cache;
+}
+
+struct Literal {
+    enum Kind { Text, Integer, Real, Null } kind;
+    QByteArray text;
+};
+
+// The shape and literal values of "INSERT INTO name VALUES (v, ...)" with nothing after it but
+// blanks; false for any other statement.
+bool splitInsert(const QByteArray &sql, QByteArray &shape, QList<Literal> &values)
+{
+    static const QByteArray head = QByteArrayLiteral("INSERT INTO ");
+    if (!sql.startsWith(head))
+        return false;
+    qsizetype i = head.size();
+    const qsizetype n = sql.size();
+    while (i < n && (std::isalnum(static_cast<unsigned char>(sql[i])) || sql[i] == '_'))
+        ++i;
+    static const QByteArray values_ = QByteArrayLiteral(" VALUES (");
+    if (i == head.size() || sql.mid(i, values_.size()) != values_)
+        return false;
+    i += values_.size();
+    shape = sql.left(i);
+    const auto blanks = [&] {
+        while (i < n && sql[i] == ' ')
+            ++i;
+    };
+    for (;;) {
+        blanks();
+        if (i >= n)
+            return false;
+        Literal value{Literal::Text, {}};
+        if (sql[i] == '\'') {
+            for (++i;; ++i) {
+                if (i >= n)
+                    return false;
+                if (sql[i] == '\'') {
+                    if (i + 1 < n && sql[i + 1] == '\'') {
+                        value.text += '\'';
+                        ++i;
+                        continue;
+                    }
+                    ++i;
+                    break;
+                }
+                value.text += sql[i];
+            }
+        } else {
+            const qsizetype from = i;
+            if (sql[i] == '-' || sql[i] == '+')
+                ++i;
+            qsizetype digits = 0;
+            while (i < n && std::isdigit(static_cast<unsigned char>(sql[i])))
+                ++i, ++digits;
+            value.kind = Literal::Integer;
+            if (i < n && sql[i] == '.') {
+                value.kind = Literal::Real;
+                for (++i; i < n && std::isdigit(static_cast<unsigned char>(sql[i]));)
+                    ++i, ++digits;
+            }
+            value.text = sql.mid(from, i - from);
+            if (digits == 0) {
+                if (sql.mid(from, 4).toUpper() != "NULL")
+                    return false;
+                i = from + 4;
+                value.kind = Literal::Null;
+            } else if (value.kind == Literal::Integer && digits > 18) {
+                return false; // beyond 64 bits: left to the engine
+            }
+        }
+        values.append(value);
+        shape += values.size() == 1 ? "?" : ", ?";
+        blanks();
+        if (i < n && sql[i] == ',') {
+            ++i;
+            continue;
+        }
+        if (i < n && sql[i] == ')') {
+            ++i;
+            break;
+        }
+        return false;
+    }
+    shape += ')';
+    return onlyBlanks(sql.constData() + i, sql.constData() + n);
+}
+
+// Runs the INSERT through the cache; false when it is none or its shape will not prepare (it
+// then runs as it stands).
+bool runCachedInsert(sqlite3 *connection, const QByteArray &sql, StatementError *error)
+{
+    QByteArray shape;
+    QList<Literal> values;
+    if (!splitInsert(sql, shape, values))
+        return false;
+    sqlite3_stmt *statement = insertCache().statement(connection, shape);
+    if (!statement)
+        return false;
+    for (int k = 0; k < int(values.size()); ++k) {
+        const Literal &value = values[k];
+        switch (value.kind) {
+        case Literal::Text:
+            sqlite3_bind_text(statement, k + 1, value.text.constData(), int(value.text.size()), SQLITE_TRANSIENT);
+            break;
+        case Literal::Integer:
+            sqlite3_bind_int64(statement, k + 1, value.text.toLongLong());
+            break;
+        case Literal::Real:
+            sqlite3_bind_double(statement, k + 1, value.text.toDouble());
+            break;
+        case Literal::Null:
+            sqlite3_bind_null(statement, k + 1);
+            break;
+        }
+    }
+    const int result = sqlite3_step(statement);
+    if (result != SQLITE_DONE && result != SQLITE_ROW)
+        fail(error, connection, sqlite3_extended_errcode(connection), false);
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    return true;
+}
+
 Recordset runOnSqlite(sqlite3 *connection, const QString &sql, StatementError *error)
 {
     const QByteArray utf8 = sql.toUtf8();
+    if (runCachedInsert(connection, utf8, error))
+        return {};
     sqlite3_stmt *statement = nullptr;
     const char *tail = nullptr;
     int result = sqlite3_prepare_v2(connection, utf8.constData(), int(utf8.size()), &statement, &tail);
@@ -182,6 +359,11 @@ Recordset runOnQt(QSqlDatabase &db, const QString &sql, StatementError *error)
 }
 
 } // namespace
+
+void ReleaseCachedStatements()
+{
+    insertCache().clear();
+}
 
 Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error)
 {
