@@ -1,11 +1,11 @@
 #include "mealmaster.h"
 
 #include "cabinet/cabinettools.h"
+#include "core/platform.h"
 
 #include <QIODevice>
 
 #include <array>
-#include <cstring>
 
 namespace {
 
@@ -125,14 +125,18 @@ bool readTimes(const QStringList &paragraph, RecipeData &r)
     return true;
 }
 
-bool fitsAmountColumn(const QString &amount)
+// What the amount column holds: digits, blanks, fraction bars, points and ranges.
+bool isAmountText(QStringView amount)
 {
-    if (amount.size() > 7 || amount.trimmed() != amount)
-        return false;
     for (const QChar c : amount)
-        if (!(c.isDigit() && c.unicode() < 128) && c != u' ' && c != u'/' && c != u'.' && c != u'-')
+        if (!(c >= u'0' && c <= u'9') && c != u' ' && c != u'/' && c != u'.' && c != u'-')
             return false;
     return true;
+}
+
+bool fitsAmountColumn(const QString &amount)
+{
+    return amount.size() <= 7 && amount.trimmed() == amount && isAmountText(amount);
 }
 
 // Whether the bytes are UTF-8 (and whether they hold 0x80-0x9F), carried across calls.
@@ -252,9 +256,8 @@ MealMasterIngredient ParseMealMasterIngredient(const QString &column)
     if (column.size() < 12 || column.at(7) != u' ' || column.at(10) != u' ')
         return ingredient;
     const QString amount = column.left(7);
-    for (const QChar c : amount)
-        if (!(c.isDigit() && c.unicode() < 128) && c != u' ' && c != u'/' && c != u'.' && c != u'-')
-            return ingredient;
+    if (!isAmountText(amount))
+        return ingredient;
     const QString code = column.mid(8, 2);
     for (const QChar c : code)
         if (!(c == u' ' || (c.unicode() < 128 && c.isLetter())))
@@ -430,7 +433,7 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
                     item = item.mid(own.size() + 1).trimmed();
                 }
             }
-            r.ingredients.append({QStringLiteral("%1").arg(r.ingredients.size() + 1, 2, 10, QLatin1Char('0')),
+            r.ingredients.append({Format(r.ingredients.size() + 1, QStringLiteral("00")),
                                   part.amount.isEmpty() ? kUnsetMeasure : part.amount, measure, item,
                                   MealMasterCabinetName(item)});
         }
@@ -445,7 +448,7 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
         if (!notes.isEmpty() || joined.startsWith(kNotes)) {
             notes << (notes.isEmpty() ? joined.mid(kNotes.size()) : joined);
         } else if (!readTimes(paragraph, r)) {
-            r.directions.append({QStringLiteral("%1").arg(r.directions.size() + 1, 2, 10, QLatin1Char('0')), joined});
+            r.directions.append({Format(r.directions.size() + 1, QStringLiteral("00")), joined});
         }
         paragraph.clear();
     };
