@@ -286,7 +286,7 @@ MealMasterReader::MealMasterReader(QIODevice &file, const MeasureCodes &codes)
 
 qint64 MealMasterReader::position() const
 {
-    return m_file.pos();
+    return m_bufferStart + m_at;
 }
 
 bool MealMasterReader::readLine(Line &line)
@@ -296,17 +296,34 @@ bool MealMasterReader::readLine(Line &line)
         line = m_next;
         return true;
     }
-    if (m_file.atEnd())
-        return false;
-    line.begin = m_file.pos();
-    QByteArray bytes = m_file.readLine(kLongestLine + 2);
-    line.tooLong = bytes.size() > kLongestLine && !bytes.endsWith('\n');
-    if (line.tooLong) { // the rest of the line is passed over
-        bytes.truncate(80);
-        while (!m_file.atEnd() && !m_file.readLine(1 << 16).endsWith('\n')) {
+    line.begin = position();
+    line.tooLong = false;
+    QByteArray bytes;
+    for (;;) {
+        if (m_at == m_buffer.size()) { // the next block of the file
+            m_bufferStart += m_buffer.size();
+            m_buffer = m_file.read(1 << 16);
+            m_at = 0;
+            if (m_buffer.isEmpty()) {
+                if (bytes.isEmpty() && position() == line.begin)
+                    return false; // the end of the file
+                break;
+            }
         }
+        const qsizetype end = m_buffer.indexOf('\n', m_at);
+        const qsizetype stop = end < 0 ? m_buffer.size() : end;
+        // Beyond the longest line the rest is passed over (the recipe is rejected anyway).
+        if (!line.tooLong)
+            bytes.append(m_buffer.constData() + m_at, stop - m_at);
+        if (bytes.size() > kLongestLine) {
+            line.tooLong = true;
+            bytes.truncate(80);
+        }
+        m_at = end < 0 ? m_buffer.size() : end + 1;
+        if (end >= 0)
+            break;
     }
-    while (bytes.endsWith('\n') || bytes.endsWith('\r'))
+    if (bytes.endsWith('\r'))
         bytes.chop(1);
     line.text = DecodeMealMasterLine(bytes, m_encoding);
     return true;
@@ -341,7 +358,7 @@ bool MealMasterReader::next(MealMasterRecipe &out)
         tooLong = tooLong || line.tooLong;
         lines.append(line);
     }
-    out.end = m_pending ? m_next.begin : m_file.pos();
+    out.end = m_pending ? m_next.begin : position();
     parse(lines, out);
     if (tooLong)
         out.problem = QStringLiteral("a line is longer than %1 characters").arg(kLongestLine);

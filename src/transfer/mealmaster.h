@@ -54,7 +54,8 @@ struct MealMasterRecipe {
     qint64 end = 0;
 };
 
-// Reads the recipes of a file one at a time, without holding the file.
+// Reads the recipes of a file one at a time, a block at a time, without holding the file. The
+// reader owns the device's position.
 class MealMasterReader
 {
 public:
@@ -77,6 +78,9 @@ private:
     void parse(const QList<Line> &lines, MealMasterRecipe &out) const;
 
     QIODevice &m_file;
+    QByteArray m_buffer; // a block of the file, read from m_bufferStart
+    qint64 m_bufferStart = 0;
+    qsizetype m_at = 0;
     const MeasureCodes &m_codes;
     MealMasterEncoding m_encoding;
     bool m_pending = false;

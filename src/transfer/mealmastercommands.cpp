@@ -54,6 +54,13 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
     const QString message = QStringLiteral("Importing recipes from ") + name;
     const qint64 size = std::max<qint64>(1, file.size());
     QByteArray rejected;
+    // The rejected recipes are copied through a second handle: the reader owns the first.
+    QFile source(path);
+    source.open(QIODevice::ReadOnly);
+    const auto copy = [&source](qint64 from, qint64 to) {
+        source.seek(from);
+        return source.read(to - from);
+    };
     MealMasterReader reader(file, codes);
     MealMasterRecipe read;
     bool goOn = true;
@@ -76,12 +83,9 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
                                       .arg(name)
                                       .arg(number)
                                       .arg(read.recipe.title.left(60), problem);
-                const qint64 at = reader.position();
-                file.seek(read.begin);
-                rejected += file.read(read.end - read.begin);
+                rejected += copy(read.begin, read.end);
                 if (!rejected.endsWith('\n'))
                     rejected += '\n';
-                file.seek(at);
             }
             ShowStatusStep(message, int(1000 * reader.position() / size));
             if (cancel.requested()) {
