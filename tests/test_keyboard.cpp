@@ -1,0 +1,138 @@
+// Every window can be worked without a mouse: Tab reaches each control that takes input, and
+// no control keeps the Tab key for itself.
+
+#include "cabinet/frmcabinet.h"
+#include "core/frmmain.h"
+#include "menus/frmmenu.h"
+#include "quantities/frmresize.h"
+#include "recipes/frmadd2.h"
+#include "search/frmsearch.h"
+#include "settings/frmmaint.h"
+#include "settings/frmsettings.h"
+#include "support/testsupport.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QRadioButton>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTabBar>
+#include <QTest>
+#include <QTextEdit>
+
+namespace {
+
+bool takesInput(const QWidget *w)
+{
+    return qobject_cast<const QAbstractButton *>(w) || qobject_cast<const QLineEdit *>(w) ||
+           qobject_cast<const QComboBox *>(w) || qobject_cast<const QAbstractItemView *>(w) ||
+           qobject_cast<const QPlainTextEdit *>(w) || qobject_cast<const QTextEdit *>(w) ||
+           qobject_cast<const QAbstractSpinBox *>(w) || qobject_cast<const QTabBar *>(w);
+}
+
+// The controls that take input, are shown and enabled, and that Tab (pressed round the whole
+// window) never reaches; by object name, or class where there is none.
+QStringList unreached(QWidget *window)
+{
+    window->show();
+    window->activateWindow();
+    if (!QTest::qWaitForWindowActive(window))
+        return {QStringLiteral("the window never became active")};
+    QSet<const QWidget *> reached;
+    for (int press = 0; press < 200; ++press) {
+        QWidget *focus = QApplication::focusWidget();
+        if (!focus)
+            break;
+        // A combo box's line edit stands for the box.
+        while (focus->focusProxy())
+            focus = focus->focusProxy();
+        reached.insert(focus);
+        if (auto *combo = qobject_cast<QComboBox *>(focus->parentWidget()))
+            reached.insert(combo);
+        QTest::keyClick(focus, Qt::Key_Tab);
+    }
+    QStringList missing;
+    for (QWidget *w : window->findChildren<QWidget *>()) {
+        if (!takesInput(w) || !w->isVisible() || !w->isEnabled() || reached.contains(w))
+            continue;
+        // The text of a combo box or spin box is reached with its box.
+        if (qobject_cast<QLineEdit *>(w) && reached.contains(w->parentWidget()))
+            continue;
+        // An exclusive group of option buttons is one stop: the arrows choose within it.
+        if (auto *option = qobject_cast<QRadioButton *>(w); option && option->autoExclusive()) {
+            const auto siblings = w->parentWidget()->findChildren<QRadioButton *>(Qt::FindDirectChildrenOnly);
+            if (std::any_of(siblings.begin(), siblings.end(), [&](QRadioButton *b) { return reached.contains(b); }))
+                continue;
+        }
+        // Column headers sort with the mouse; the list itself is reached. The tab bar's scroll
+        // buttons and Qt's other inner parts are not stops of their own.
+        if (qobject_cast<QHeaderView *>(w) || qobject_cast<QTabBar *>(w->parentWidget()) ||
+            w->objectName().startsWith(QLatin1String("qt_")))
+            continue;
+        missing << (w->objectName().isEmpty() ? QLatin1String(w->metaObject()->className()) : w->objectName());
+    }
+    return missing;
+}
+
+} // namespace
+
+class TestKeyboard : public SessionTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void tabReachesEveryControl_data()
+    {
+        QTest::addColumn<int>("window");
+        const char *names[] = {"main window", "search", "editor on one page", "editor in tabs", "cabinet",
+                               "menu planner", "settings", "list maintenance", "resize"};
+        for (int i = 0; i < int(std::size(names)); ++i)
+            QTest::newRow(names[i]) << i;
+    }
+    void tabReachesEveryControl()
+    {
+        QFETCH(int, window);
+        std::unique_ptr<QWidget> w;
+        switch (window) {
+        case 0: w = std::make_unique<frmMain>(); break;
+        case 1: w = std::make_unique<frmSearch>(); break;
+        case 2:
+        case 3: {
+            auto e = std::make_unique<frmAdd2>();
+            e->TabbedView = window == 3;
+            w = std::move(e);
+            break;
+        }
+        case 4: {
+            auto c = std::make_unique<frmCabinet>();
+            c->Form_Load();
+            w = std::move(c);
+            break;
+        }
+        case 5: {
+            auto m = std::make_unique<frmMenu>();
+            m->Form_Load();
+            w = std::move(m);
+            break;
+        }
+        case 6: w = std::make_unique<frmSettings>(); break;
+        case 7: w = std::make_unique<frmMaint>(); break;
+        default: {
+            auto r = std::make_unique<frmResize>();
+            r->OrigServings = 4;
+            w = std::move(r);
+        }
+        }
+        const QStringList missing = unreached(w.get());
+        QVERIFY2(missing.isEmpty(), qPrintable(missing.join(QStringLiteral(", "))));
+        // For a look by eye at the scale the run was started with (QT_SCALE_FACTOR).
+        SaveScreenshot(w.get(), QStringLiteral("scale%1-").arg(w->devicePixelRatioF()) + QLatin1String(QTest::currentDataTag()));
+        w->hide();
+    }
+};
+
+QTEST_MAIN(TestKeyboard)
+#include "test_keyboard.moc"
