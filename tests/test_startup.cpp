@@ -17,6 +17,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QProcess>
 #include <QLabel>
 #include <QMenuBar>
@@ -131,6 +132,16 @@ private Q_SLOTS:
         QCOMPARE(gMaxRecipeID, qint16(0));
         QVERIFY(ReportNotConnected());
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
+    }
+
+    void theIconIsDrawnAtEverySize()
+    {
+        for (int size : {16, 48, 256}) {
+            const QImage image = ProgramIcon().pixmap(size).toImage();
+            QCOMPARE(image.width(), size);
+            // Drawn, not blank: the middle of the picture holds colour.
+            QVERIFY(qAlpha(image.pixel(size / 2, size / 2)) > 0);
+        }
     }
 
     void startupReadsTheSettingsAndRecordsTheHighestRecipe()

@@ -11,6 +11,7 @@
 #include "shell.h"
 
 #include <QCoreApplication>
+#include <QIcon>
 
 namespace {
 
@@ -82,6 +83,14 @@ MirepanApplication::MirepanApplication(int &argc, char **argv)
     setApplicationVersion(QStringLiteral(MIREPAN_VERSION));
     // Ties the windows to the menu entry and its icon on the desktop.
     setDesktopFileName(QStringLiteral("org.mirepan.Mirepan"));
+    // Every window's title bar and the task switcher show the drawing (drawn at any size by
+    // Qt's SVG icon engine).
+    setWindowIcon(ProgramIcon());
+}
+
+QIcon ProgramIcon()
+{
+    return QIcon(QStringLiteral(":/mirepan/desktop/org.mirepan.Mirepan.svg"));
 }
 
 bool MirepanApplication::notify(QObject *receiver, QEvent *event)

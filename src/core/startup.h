@@ -3,6 +3,7 @@
 // run), show the main window and record the highest recipe identifier.
 
 #include <QApplication>
+#include <QIcon>
 #include <memory>
 
 class frmMain;
@@ -13,6 +14,9 @@ class frmMain;
 void ConnectAtStartup();
 // The whole start-up; the returned main window is shown.
 std::unique_ptr<frmMain> Startup();
+
+// The program's icon, the drawing of its menu entry.
+QIcon ProgramIcon();
 
 // The application object: a platform error that escapes a command anywhere ends that
 // command with a message instead of the program.
