@@ -38,20 +38,16 @@ std::pair<int, int> trialSimplify(int n, int d)
 
 } // namespace
 
-class TestFraction : public QObject
+class TestFraction : public SessionTest
 {
     Q_OBJECT
-
-    std::unique_ptr<ScriptedResponder> m_boxes;
-
-private Q_SLOTS:
-    void init() { m_boxes = std::make_unique<ScriptedResponder>(); }
-    void cleanup()
+public:
+    TestFraction()
+        : SessionTest(false)
     {
-        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
-        m_boxes.reset();
     }
 
+private Q_SLOTS:
     void parsing_data()
     {
         QTest::addColumn<QString>("text");

@@ -26,31 +26,30 @@
 #include <QPushButton>
 #include <QTest>
 
-class TestStartup : public QObject
+class TestStartup : public SessionTest
 {
     Q_OBJECT
+public:
+    TestStartup()
+        : SessionTest(false)
+    {
+    }
 
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ScriptedResponder> m_boxes;
+private:
     std::unique_ptr<FakeShell> m_shell;
 
 private Q_SLOTS:
     void init()
     {
-        m_home = std::make_unique<TestHome>();
-        m_boxes = std::make_unique<ScriptedResponder>();
+        SessionTest::init();
         m_shell = std::make_unique<FakeShell>();
         Hooks() = WindowHooks();
         Hooks().loadSettings = [] { LoadSettings(); };
-        gSubWindows = 0;
-        gRecipeType = QStringLiteral("Food");
     }
     void cleanup()
     {
-        QVERIFY2(m_boxes->clean(), qPrintable(m_boxes->report()));
         m_shell.reset();
-        m_boxes.reset();
-        m_home.reset();
+        SessionTest::cleanup();
     }
 
     void firstRunSetsUpTheDataSourceAndConnects()
