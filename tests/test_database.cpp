@@ -5,7 +5,9 @@
 #include "core/sqldialect.h"
 #include "support/testsupport.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QSqlQuery>
 #include <QTest>
@@ -176,6 +178,17 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->boxes.size(), 1);
         QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("UNIQUE")));
         plain.close();
+        // Opening again lets go of the kept statements first: the old connection really closes.
+        const auto handles = [this] {
+            int open = 0;
+            const QString file = QFileInfo(m_home->databasePath()).canonicalFilePath();
+            for (const QFileInfo &fd : QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::AllEntries | QDir::System))
+                open += QFileInfo(fd.symLinkTarget()).canonicalFilePath() == file;
+            return open;
+        };
+        QCOMPARE(handles(), 1);
+        QVERIFY(OpenDatabase());
+        QCOMPARE(handles(), 1);
     }
 
     void longLikePatternsAreRefusedAsTheEngineDoes()

@@ -114,6 +114,7 @@ bool OpenDatabase(OpenFailure *failure)
 
     if (QSqlDatabase::contains(kDataSourceName)) {
         gRS = Recordset();
+        ReleaseCachedStatements(); // the engine closes a connection only with no statement left
         const bool sameDriver = gConn().driverName() == source.driver;
         gConn().close();
         if (!sameDriver)
