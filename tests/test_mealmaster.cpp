@@ -154,6 +154,11 @@ private Q_SLOTS:
         QTest::newRow("binary") << QByteArray(5000, '\0') + QByteArray("\xff\xfe\x01\n", 4) + good << QStringList{"Good"};
         QTest::newRow("nothing but text") << QByteArray("no recipes here\n") << QStringList();
         QTest::newRow("empty") << QByteArray() << QStringList();
+        QTest::newRow("a long direction") << QByteArray(good).replace("  Boil.", "  " + QByteArray(100000, 'b'))
+                                          << QStringList{"Good"};
+        QTest::newRow("amounts that are no numbers") << QByteArray(good).replace("      1 c ", "    1/0 c ") +
+                                                            QByteArray(good).replace("      1 c ", "    1-2 c ")
+                                                     << QStringList{"Good", "Good"};
         QTest::newRow("a line too long") << good.left(40) + "  " + QByteArray(MealMasterReader::kLongestLine + 10, 'x') + "\n" +
                                                 good.mid(40) + good
                                          << QStringList{"rejected: a line is longer than 1048576 characters", "Good"};
