@@ -8,9 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QMap>
-#include <QProcess>
 #include <QRandomGenerator>
-#include <QThread>
 #include <QTest>
 
 // The rules of writing as a writer that copies the file line by line and reads it from disk
@@ -255,12 +253,7 @@ private Q_SLOTS:
             before.insert(section, GetIniSection(m_ini, section));
         QRandomGenerator random(20261123);
         for (int kill = 0; kill < 200; ++kill) {
-            QProcess writer;
-            writer.start(QStringLiteral(MIREPAN_WRITE_LOOP), {QStringLiteral("ini"), m_ini});
-            QVERIFY(writer.waitForReadyRead(10000));
-            QThread::usleep(random.bounded(20000));
-            writer.kill();
-            QVERIFY(writer.waitForFinished(10000));
+            QVERIFY(KillWhileWriting({QStringLiteral("ini"), m_ini}, random, 20000));
             for (auto it = before.cbegin(); it != before.cend(); ++it) {
                 QStringList lines = GetIniSection(m_ini, it.key());
                 if (it.key() == u"Misc") // the writer's own key, either value

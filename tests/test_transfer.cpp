@@ -11,10 +11,8 @@
 #include "transfer/ctransfer.h"
 #include "transfer/transfercommands.h"
 
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QTest>
-#include <QThread>
 #include <QTreeWidget>
 
 namespace {
@@ -356,12 +354,7 @@ private Q_SLOTS:
     {
         QRandomGenerator random(11);
         for (int kill = 0; kill < 40; ++kill) {
-            QProcess writer;
-            writer.start(QStringLiteral(MIREPAN_WRITE_LOOP), {QStringLiteral("transfer"), m_file});
-            QVERIFY(writer.waitForReadyRead(10000));
-            QThread::usleep(random.bounded(30000));
-            writer.kill();
-            QVERIFY(writer.waitForFinished(10000));
+            QVERIFY(KillWhileWriting({QStringLiteral("transfer"), m_file}, random, 30000));
             const int max = GetIniValue(m_file, QStringLiteral("ID"), QStringLiteral("Max")).toInt();
             QVERIFY(max > 0 && max % 50 == 0);
             QCOMPARE(GetIniSection(m_file, QString::number(max)).size(), 10);

@@ -7,9 +7,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRandomGenerator>
-#include <QThread>
 #include <QTest>
 
 class TestUpkeep : public SessionTest
@@ -83,13 +81,8 @@ private Q_SLOTS:
         WriteFile(file("live.MDB"), first);
         QRandomGenerator random(1123);
         for (int kill = 0; kill < 60; ++kill) {
-            QProcess writer;
-            writer.start(QStringLiteral(MIREPAN_WRITE_LOOP),
-                         {QStringLiteral("copy"), file(kill % 2 ? "first.BAK" : "second.BAK"), file("live.MDB")});
-            QVERIFY(writer.waitForReadyRead(10000));
-            QThread::usleep(random.bounded(15000));
-            writer.kill();
-            QVERIFY(writer.waitForFinished(10000));
+            QVERIFY(KillWhileWriting({QStringLiteral("copy"), file(kill % 2 ? "first.BAK" : "second.BAK"), file("live.MDB")},
+                                     random, 15000));
             const QByteArray live = ReadBytes(file("live.MDB"));
             QVERIFY2(live == first || live == second, qPrintable(QStringLiteral("kill %1: %2 bytes").arg(kill).arg(live.size())));
         }

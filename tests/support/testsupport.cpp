@@ -16,6 +16,8 @@
 #include <QDialog>
 #include <QFile>
 #include <QProcess>
+#include <QRandomGenerator>
+#include <QThread>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -292,6 +294,17 @@ void ScriptedResponder::wait(double seconds)
         statusAtWait.append(status->lblMessage->text());
     if (duringWait)
         std::exchange(duringWait, nullptr)(); // once: what it starts may wait again
+}
+
+bool KillWhileWriting(const QStringList &arguments, QRandomGenerator &random, int withinMicroseconds)
+{
+    QProcess writer;
+    writer.start(QStringLiteral(MIREPAN_WRITE_LOOP), arguments);
+    if (!writer.waitForReadyRead(10000))
+        return false;
+    QThread::usleep(random.bounded(withinMicroseconds));
+    writer.kill();
+    return writer.waitForFinished(10000);
 }
 
 void SaveScreenshot(QWidget *widget, const QString &name)

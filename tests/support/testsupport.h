@@ -12,6 +12,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+class QRandomGenerator;
 class QTreeWidget;
 
 #include <functional>
@@ -150,6 +151,10 @@ QString RegVeskPath();
 QString ReadFile(const QString &path);
 QByteArray ReadBytes(const QString &path);
 void WriteFile(const QString &path, const QByteArray &data);
+
+// Starts the write-loop helper with the arguments, kills it at a random moment within
+// withinMicroseconds of its first write, and waits for it to end; false when it would not run.
+bool KillWhileWriting(const QStringList &arguments, QRandomGenerator &random, int withinMicroseconds);
 
 // Saves a picture of the widget under $MIREPAN_SCREENSHOTS (when set) for a look by eye.
 void SaveScreenshot(QWidget *widget, const QString &name);
