@@ -2,7 +2,9 @@
 
 #include "core/appstate.h"
 #include "core/database.h"
+#include "core/dbcompact.h"
 #include "core/dbupkeep.h"
+#include "recipes/reciperepository.h"
 #include "support/testsupport.h"
 
 #include <QDir>
@@ -86,6 +88,29 @@ private Q_SLOTS:
             const QByteArray live = ReadBytes(file("live.MDB"));
             QVERIFY2(live == first || live == second, qPrintable(QStringLiteral("kill %1: %2 bytes").arg(kill).arg(live.size())));
         }
+    }
+
+    // Saved a recipe at a time, the file's pages interleave; a backup puts the live file in
+    // order, every recipe kept. A small or compact file is left as it is.
+    void backupPutsAScatteredDatabaseInOrder()
+    {
+        QCOMPARE(CompactDatabaseIfScattered(), false); // empty
+        {
+            StatementBatch batch;
+            for (int id = 1; id <= 1500; ++id)
+                StoreTestRecipe(TestRecipe(QStringLiteral("Stew %1").arg(id), {"1|cup|Beans, soaked|beans", "2|lb|Beef|beef"},
+                                           {QString(300, u's'), QString(300, u't')}),
+                                id);
+        }
+        const QString before = Describe(LoadRecipe(777));
+        QVERIFY2(DatabaseScatter() > 0.3, qPrintable(QString::number(DatabaseScatter())));
+        m_boxes->answer(MsgResult::Yes);
+        BackupDatabase();
+        QVERIFY2(DatabaseScatter() < 0.15, qPrintable(QString::number(DatabaseScatter())));
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 3000);
+        QCOMPARE(Describe(LoadRecipe(777)), before);
+        QCOMPARE(CompactDatabaseIfScattered(), false); // in order now
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Backup created as: ") + dir() + QStringLiteral("PANTRIO.BAK"));
     }
 
     void refusalsTouchNothing()

@@ -1,5 +1,7 @@
 #include "dbupkeep.h"
 
+#include "dbcompact.h"
+
 #include "appstate.h"
 #include "atomicfile.h"
 #include "database.h"
@@ -115,6 +117,9 @@ void BackupDatabase()
         reportFailure(QStringLiteral("The backup could not be made as ") + d + kBackup + u'.', error);
         return;
     }
+    // With a copy safe beside it, the live file is put in order when years of saving have
+    // scattered it.
+    CompactDatabaseIfScattered();
     MsgBox(QStringLiteral("Backup created as: ") + d + kBackup, Msg::Information);
 }
 

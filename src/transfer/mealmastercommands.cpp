@@ -4,6 +4,7 @@
 
 #include "core/atomicfile.h"
 #include "core/controls.h"
+#include "core/dbcompact.h"
 #include "core/database.h"
 #include "core/frmstatus.h"
 #include "core/modini.h"
@@ -122,6 +123,9 @@ MealMasterImportResult ImportMealMasterFiles(const QStringList &files)
             break;
         }
     }
+    // A collection comes in a recipe at a time, its pages interleaved: put them in order.
+    if (result.imported > 0)
+        CompactDatabaseIfScattered();
     return result;
 }
 
