@@ -50,5 +50,10 @@ bool CompactDatabaseIfScattered()
     StatusGuard status(QStringLiteral("Putting the recipe database in order for faster searches..."));
     gRS = Recordset();
     ReleaseCachedStatements();
-    return QSqlQuery(gConn()).exec(QStringLiteral("VACUUM"));
+    // The rewrite goes through a temporary copy of the whole file: on disk, not in memory.
+    QSqlQuery query(gConn());
+    query.exec(QStringLiteral("PRAGMA temp_store = FILE"));
+    const bool done = query.exec(QStringLiteral("VACUUM"));
+    query.exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
+    return done;
 }
