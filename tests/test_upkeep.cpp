@@ -2,6 +2,7 @@
 
 #include "core/appstate.h"
 #include "core/database.h"
+#include "core/datasources.h"
 #include "core/dbcompact.h"
 #include "core/dbupkeep.h"
 #include "recipes/reciperepository.h"
@@ -34,6 +35,7 @@ private Q_SLOTS:
 
     void backupAndRestore()
     {
+        SKIP_ON_SERVER();
         addRecipe(1);
         m_boxes->answer(MsgResult::Yes);
         BackupDatabase();
@@ -74,6 +76,7 @@ private Q_SLOTS:
 
     void killedRestoresLeaveAWholeDatabase()
     {
+        SKIP_ON_SERVER();
         // A restore puts the backup in place as the copy loop does: killed at any moment, the
         // live file is whole, the old one or the new one, never missing or cut short.
         const QByteArray first(2 << 20, 'a');
@@ -94,6 +97,7 @@ private Q_SLOTS:
     // order, every recipe kept. A small or compact file is left as it is.
     void backupPutsAScatteredDatabaseInOrder()
     {
+        SKIP_ON_SERVER();
         QCOMPARE(CompactDatabaseIfScattered(), false); // empty
         {
             StatementBatch batch;
@@ -115,6 +119,7 @@ private Q_SLOTS:
 
     void refusalsTouchNothing()
     {
+        SKIP_ON_SERVER();
         addRecipe(1);
         const QByteArray live = ReadBytes(file("PANTRIO.MDB"));
         // No backup yet: refused before anything is asked.
@@ -140,6 +145,7 @@ private Q_SLOTS:
 
     void pathsThatNameNoDatabase()
     {
+        SKIP_ON_SERVER();
         gSettings.Database = QStringLiteral("PANTRIO.MDB"); // no directory
         BackupDatabase();
         RestoreDatabase();
@@ -148,6 +154,33 @@ private Q_SLOTS:
         BackupDatabase();
         QCOMPARE(m_boxes->prompts().last(), QStringLiteral("There was a problem locating %1away/ PANTRIO.MDB!\nPlease check the DB Path in your settings.").arg(dir()));
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Database not found"));
+    }
+
+    void aCollectionOnAServerPointsToItsTools()
+    {
+        if (TestServerDir().isEmpty()) {
+            DataSource server;
+            server.name = kDataSourceName;
+            server.driver = QStringLiteral("QPSQL");
+            server.host = QStringLiteral("kitchen.local");
+            server.port = 5433;
+            server.database = QStringLiteral("recipes");
+            RegisterDataSource(server);
+        }
+        const DataSource source = FindDataSource(kDataSourceName);
+        const QStringList before = QDir(m_home->dir()).entryList(QDir::Files);
+        BackupDatabase();
+        RestoreDatabase();
+        QCOMPARE(m_boxes->boxes.size(), 2);
+        for (const char *what : {"Backup", "Restore"}) {
+            const RecordedBox &box = m_boxes->boxes[what[0] == 'B' ? 0 : 1];
+            QCOMPARE(box.title, QLatin1String(what));
+            QCOMPARE(box.style.icon, MsgIcon::Information);
+            QVERIFY2(box.prompt.startsWith(QLatin1String(what) + QStringLiteral(" applies to a database file")), qPrintable(box.prompt));
+            QVERIFY(box.prompt.contains(QStringLiteral("pg_dump -h %1 -p %2 -Fc -f pantrio.dump %3").arg(source.host).arg(source.port).arg(source.database)));
+            QVERIFY(box.prompt.contains(QStringLiteral("pg_restore -h ")));
+        }
+        QCOMPARE(QDir(m_home->dir()).entryList(QDir::Files), before); // no file made
     }
 
     void ratingsAreReset()

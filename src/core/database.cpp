@@ -24,6 +24,15 @@ qint16 gMaxRecipeID = 0;
 
 namespace {
 
+int g_batchDepth = 0; // batches open inside one another
+// The server-wide lock the writers of one collection take turns on ("MIRE" in ASCII).
+constexpr qint64 kWriterLock = 0x4d495245;
+
+bool onServer(const QSqlDatabase &db)
+{
+    return db.driverName() == u"QPSQL";
+}
+
 struct TableColumns {
     const char *table;
     std::initializer_list<const char *> columns;
@@ -53,7 +62,8 @@ QString recipeDatabaseProblem(QSqlDatabase &db)
     }
     for (const TableColumns &shape : kRecipeTables) {
         const QString table = QLatin1String(shape.table);
-        const QSqlRecord record = db.record(table);
+        // A server keeps unquoted names in lower case.
+        const QSqlRecord record = db.record(onServer(db) ? table.toLower() : table);
         if (record.isEmpty())
             return QStringLiteral("the table %1 is missing").arg(table);
         int position = 0;
@@ -83,6 +93,14 @@ void prepareConnection(QSqlDatabase &db)
     setup.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
     // A recipe stored inside a larger batch keeps its way back in memory, not in a temporary file.
     setup.exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
+}
+
+// The database as the household knows it: the file, or the database on its server.
+QString describe(const DataSource &source)
+{
+    if (!source.onServer())
+        return source.database;
+    return QStringLiteral("%1 on %2").arg(source.database, source.host.isEmpty() ? QStringLiteral("localhost") : source.host);
 }
 
 bool failOpen(OpenFailure *failure, OpenFailure::Kind kind, const QString &file, const QString &reason = {})
@@ -123,20 +141,38 @@ bool OpenDatabase(OpenFailure *failure)
     QSqlDatabase db = QSqlDatabase::contains(kDataSourceName)
                           ? gConn()
                           : QSqlDatabase::addDatabase(source.driver, kDataSourceName);
-    db.setDatabaseName(file);
-    db.setHostName(source.host);
-    db.setPort(source.port);
-    db.setUserName(QStringLiteral("admin"));
-    db.setPassword(QStringLiteral("marjoram"));
+    ConfigureConnection(db, source);
     if (!db.open())
-        return failOpen(failure, OpenFailure::Unusable, file, db.lastError().text());
+        return failOpen(failure, OpenFailure::Unusable, describe(source), db.lastError().text());
     if (const QString problem = recipeDatabaseProblem(db); !problem.isEmpty()) {
         db.close();
-        return failOpen(failure, OpenFailure::Unusable, file, problem);
+        return failOpen(failure, OpenFailure::Unusable, describe(source), problem);
     }
     prepareConnection(db);
     gNotConnected = false;
     return true;
+}
+
+void ConfigureConnection(QSqlDatabase &db, const DataSource &source)
+{
+    db.setDatabaseName(source.database);
+    db.setHostName(source.host);
+    db.setPort(source.port);
+    if (source.onServer()) {
+        // Left out of the entry, the user name and password come from the server's usual
+        // sources ($PGUSER, $PGPASSWORD, ~/.pgpass), so they need not be written down here.
+        db.setUserName(source.user);
+        db.setPassword(source.password);
+        db.setConnectOptions(source.sslMode.isEmpty() ? QString() : QStringLiteral("sslmode=") + source.sslMode);
+    } else {
+        db.setUserName(QStringLiteral("admin"));
+        db.setPassword(QStringLiteral("marjoram"));
+    }
+}
+
+QString RecipeDatabaseProblem(QSqlDatabase &db)
+{
+    return recipeDatabaseProblem(db);
 }
 
 QString RecipeDatabaseProblem(const QString &file)
@@ -206,7 +242,8 @@ Recordset ExecuteSQL(QString &sql)
     const QString prepared = PrepareSQL(sql);
     QSqlDatabase db = gConn();
     StatementError error;
-    Recordset result = RunStatement(db, TranslateJetSql(prepared, db.driverName() == u"QSQLITE"), &error);
+    const SqlEngine engine = onServer(db) ? SqlEngine::Postgres : SqlEngine::Sqlite;
+    Recordset result = RunStatement(db, TranslateJetSql(prepared, engine), &error, g_batchDepth > 0);
     if (!error.failed)
         return result;
     if (!error.commandText) {
@@ -268,16 +305,17 @@ bool ReportNotConnected()
     return true;
 }
 
-namespace {
-int g_batchDepth = 0; // batches open inside one another
-}
-
 StatementBatch::StatementBatch()
 {
     if (gNotConnected)
         return;
     if (g_batchDepth == 0) {
         m_active = gConn().transaction();
+        // Writers take turns, on a server as in the file database: a batch that numbers a new
+        // recipe (the largest id plus one) then stores it cannot meet another machine's
+        // recipe under the same number. The turn ends with the transaction.
+        if (m_active && onServer(gConn()))
+            QSqlQuery(gConn()).exec(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(kWriterLock));
     } else {
         // Inside another batch: a savepoint, so that this one can fail alone.
         m_savepoint = QStringLiteral("batch") + QString::number(g_batchDepth);

@@ -5,6 +5,7 @@
 // Every statement is SQL text run by ExecuteSQL. A failed statement returns no result;
 // an error in the command text is passed over in silence, any other failure is reported.
 
+#include "datasources.h"
 #include "recordset.h"
 
 #include <QSqlDatabase>
@@ -33,6 +34,10 @@ struct OpenFailure {
 // failure (when given) says which; the file is never written to then.
 bool OpenDatabase(OpenFailure *failure = nullptr);
 void CloseDatabase();
+// Sets the connection up for the data source: file or server, user and password.
+void ConfigureConnection(QSqlDatabase &db, const DataSource &source);
+// Why the open database cannot serve as the recipe database; "" when it can. Reads only.
+QString RecipeDatabaseProblem(QSqlDatabase &db);
 // Why the SQLite file cannot serve as the recipe database (damaged, not a database, a table
 // or column missing); "" when it can. Reads only.
 QString RecipeDatabaseProblem(const QString &file);

@@ -30,6 +30,9 @@ DataSource FindDataSource(const QString &name)
     bool ok = false;
     const int port = registry.value(QStringLiteral("Port")).toInt(&ok);
     source.port = ok ? port : -1;
+    source.user = registry.value(QStringLiteral("User")).toString();
+    source.password = registry.value(QStringLiteral("Password")).toString();
+    source.sslMode = registry.value(QStringLiteral("SslMode")).toString();
     return source;
 }
 
@@ -37,13 +40,21 @@ void RegisterDataSource(const DataSource &source)
 {
     QDir().mkpath(QFileInfo(DataSourcesPath()).absolutePath());
     QSettings registry(DataSourcesPath(), QSettings::IniFormat);
+    // A registration replaces the one before it whole: no key of another kind of source stays.
+    registry.remove(source.name);
     registry.beginGroup(source.name);
     registry.setValue(QStringLiteral("Driver"), source.driver);
     registry.setValue(QStringLiteral("Database"), source.database);
-    if (!source.host.isEmpty())
-        registry.setValue(QStringLiteral("Host"), source.host);
+    const auto setIfGiven = [&registry](const char *key, const QString &value) {
+        if (!value.isEmpty())
+            registry.setValue(QLatin1String(key), value);
+    };
+    setIfGiven("Host", source.host);
     if (source.port >= 0)
         registry.setValue(QStringLiteral("Port"), source.port);
+    setIfGiven("User", source.user);
+    setIfGiven("Password", source.password);
+    setIfGiven("SslMode", source.sslMode);
     registry.endGroup();
     registry.sync();
 }

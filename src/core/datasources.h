@@ -1,7 +1,9 @@
 #pragma once
 // The registry of named data sources: "datasources.ini" in the user's configuration directory
 // (or the file named by $MIREPAN_DATASOURCES). Each section is a data source with the keys
-// Driver (QSQLITE unless given), Database, Host and Port.
+// Driver (QSQLITE unless given) and Database; a source on a server (QPSQL) also has Host,
+// Port and optionally User, Password and SslMode. Left out, the server's own sources (the
+// environment, ~/.pgpass) give the user name and the password.
 
 #include <QString>
 
@@ -11,9 +13,14 @@ struct DataSource {
     QString database;
     QString host;
     int port = -1;
+    QString user;
+    QString password;
+    QString sslMode;
+
+    bool onServer() const { return driver == u"QPSQL"; }
 };
 
 QString DataSourcesPath();
-// The registered data source, or nullopt-like (empty name) when it is not registered.
+// The registered data source, or one with an empty name when it is not registered.
 DataSource FindDataSource(const QString &name);
 void RegisterDataSource(const DataSource &source);

@@ -5,6 +5,7 @@
 #include "appstate.h"
 #include "atomicfile.h"
 #include "database.h"
+#include "datasources.h"
 #include "frmstatus.h"
 #include "modini.h"
 #include "msgbox.h"
@@ -80,6 +81,26 @@ void copyDatabase(const QString &from, const QString &to)
     RenameOver(temp, to);
 }
 
+// Backup and restore copy the database file. A collection on a server has no file here: the
+// server's own tools keep its copies, which say so and stop. True when it was said.
+bool onServer(const QString &what)
+{
+    const DataSource source = FindDataSource(kDataSourceName);
+    if (!source.onServer())
+        return false;
+    const QString host = source.host.isEmpty() ? QStringLiteral("localhost") : source.host;
+    const QString port = source.port >= 0 ? QStringLiteral(" -p %1").arg(source.port) : QString();
+    MsgBox(QStringLiteral("%1 applies to a database file, and your recipes are kept on the PostgreSQL server %2, "
+                          "in the database %3.\n\nUse the server's own tools instead:\n"
+                          "    pg_dump -h %2%4 -Fc -f pantrio.dump %3\n"
+                          "makes a backup, and\n"
+                          "    pg_restore -h %2%4 --clean -d %3 pantrio.dump\n"
+                          "restores it.")
+               .arg(what, host, source.database, port),
+           Msg::Information, what);
+    return true;
+}
+
 void reportFailure(const QString &what, const PlatformError &error)
 {
     MsgBox(what + QStringLiteral("\n\n") + error.description() +
@@ -91,6 +112,8 @@ void reportFailure(const QString &what, const PlatformError &error)
 
 void BackupDatabase()
 {
+    if (onServer(QStringLiteral("Backup")))
+        return;
     const QString d = databaseDirectory();
     if (d.isEmpty())
         return;
@@ -125,6 +148,8 @@ void BackupDatabase()
 
 void RestoreDatabase()
 {
+    if (onServer(QStringLiteral("Restore")))
+        return;
     const QString d = databaseDirectory();
     if (d.isEmpty())
         return;

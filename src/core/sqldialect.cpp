@@ -1,20 +1,58 @@
 #include "sqldialect.h"
 
+#include <QHash>
 #include <QRegularExpression>
 
 namespace {
 
-QString translateCode(QString code, bool likeFoldsCase)
+// The stored flags (a cabinet item's "available") are the numbers 0 and 1, as the original
+// engine's TRUE and FALSE compare with numbers. A server keeps TRUE and FALSE apart from
+// numbers: there a TRUE or FALSE compared with or given to a column becomes 1 or 0, while a
+// condition of its own ("WHERE TRUE") stays.
+void numberFlags(QString &code)
 {
+    if (!code.contains(QLatin1String("TRUE"), Qt::CaseInsensitive) &&
+        !code.contains(QLatin1String("FALSE"), Qt::CaseInsensitive))
+        return;
+    static const QRegularExpression flag(QStringLiteral("(=|<>)(\\s*)\\b(TRUE|FALSE)\\b"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    QString out;
+    qsizetype last = 0;
+    for (auto it = flag.globalMatch(code); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        out += QStringView(code).mid(last, m.capturedStart(3) - last);
+        out += m.captured(3).compare(QLatin1String("TRUE"), Qt::CaseInsensitive) == 0 ? u'1' : u'0';
+        last = m.capturedEnd(3);
+    }
+    out += QStringView(code).mid(last);
+    code = out;
+}
+
+// The original engine's LIKE ignores case; so does SQLite's (with our functions, for every
+// letter), and a server's ILIKE. Folding a column before LIKE is then work for nothing.
+void likeWithoutCase(QString &code, SqlEngine engine)
+{
+    if (!code.contains(QLatin1String("LIKE"), Qt::CaseInsensitive))
+        return;
+    static const QRegularExpression ucaseLike(
+        QStringLiteral("\\bUCASE\\s*\\(\\s*([A-Za-z_][A-Za-z0-9_.]*)\\s*\\)(\\s+LIKE\\b)"),
+        QRegularExpression::CaseInsensitiveOption);
+    code.replace(ucaseLike, QStringLiteral("\\1\\2"));
+    if (engine == SqlEngine::Postgres) {
+        static const QRegularExpression like(QStringLiteral("\\bLIKE\\b"), QRegularExpression::CaseInsensitiveOption);
+        code.replace(like, QStringLiteral("ILIKE"));
+    }
+}
+
+QString translateCode(QString code, SqlEngine engine)
+{
+    if (engine == SqlEngine::Postgres)
+        numberFlags(code);
+    likeWithoutCase(code, engine);
     // Most of a statement is names, commas and numbers: only look closer where there is work.
     if (!code.contains(u'&') && !code.contains(QLatin1String("UCASE"), Qt::CaseInsensitive) &&
         !code.contains(QLatin1String("DELETE"), Qt::CaseInsensitive))
         return code;
-    static const QRegularExpression ucaseLike(
-        QStringLiteral("\\bUCASE\\s*\\(\\s*([A-Za-z_][A-Za-z0-9_.]*)\\s*\\)(\\s+LIKE\\b)"),
-        QRegularExpression::CaseInsensitiveOption);
-    if (likeFoldsCase)
-        code.replace(ucaseLike, QStringLiteral("\\1\\2"));
     static const QRegularExpression deleteStar(
         QStringLiteral("\\bDELETE\\s+\\*\\s*FROM\\b"), QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression ucase(QStringLiteral("\\bUCASE\\s*\\("),
@@ -25,19 +63,63 @@ QString translateCode(QString code, bool likeFoldsCase)
     return code;
 }
 
-} // namespace
+// The order rows come in when a query gives none. The file database hands rows over in the
+// order of their table's key (a recipe's lines by number, cabinet items by name) and a
+// DISTINCT list in the order of its columns; lists, exports and questions follow that order.
+// A server gives rows in no order of its own, so the same order is asked of it. code is the
+// statement with its quoted texts left out.
+QString keyOrder(const QString &code)
+{
+    static const QRegularExpression excluded(QStringLiteral("\\b(ORDER|GROUP|LIMIT|UNION|HAVING)\\b"),
+                                             QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression query(
+        QStringLiteral("^\\s*SELECT\\s+(DISTINCT\\s+)?(.*?)\\s+FROM\\s+([A-Za-z_]+)(\\s+[A-Za-z_]+)?\\s*(,|\\bWHERE\\b|;|$)"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch m = query.match(code);
+    if (!m.hasMatch() || code.contains(excluded))
+        return {};
+    const QString columns = m.captured(2);
+    if (columns.contains(u'(') || m.captured(4).trimmed().compare(QLatin1String("WHERE"), Qt::CaseInsensitive) == 0)
+        return {};
+    if (!m.captured(1).isEmpty()) {
+        if (columns.trimmed() == u"*")
+            return {};
+        QStringList positions;
+        for (qsizetype k = 1; k <= columns.count(u',') + 1; ++k)
+            positions << QString::number(k);
+        return QStringLiteral(" ORDER BY ") + positions.join(QStringLiteral(", "));
+    }
+    if (m.captured(5) == u",")
+        return {}; // rows of several tables: no single key
+    static const QHash<QString, QString> keys{
+        {QStringLiteral("RECIPE"), QStringLiteral("id")},
+        {QStringLiteral("INGREDIENTS"), QStringLiteral("recipe_id, ingred_id")},
+        {QStringLiteral("DIRECTIONS"), QStringLiteral("recipe_id, step")},
+        {QStringLiteral("CABINET"), QStringLiteral("item, type")},
+    };
+    const QString key = keys.value(m.captured(3).toUpper());
+    return key.isEmpty() ? QString() : QStringLiteral(" ORDER BY ") + key;
+}
 
-QString TranslateJetSql(const QString &sql, bool likeFoldsCase)
+// The statement in the engine's dialect: the code between the quoted texts translated, the
+// texts as they are.
+QString translate(const QString &sql, SqlEngine engine, QString *codeOnly)
 {
     QString result;
     result.reserve(sql.size() + 8);
     qsizetype start = 0;
     bool inLiteral = false;
+    // The code as it stands, with each quoted text shown as ''.
+    const auto code = [&](const QString &part, bool textFollows) {
+        if (codeOnly)
+            *codeOnly += textFollows ? part + QStringLiteral("''") : part;
+        return translateCode(part, engine);
+    };
     for (qsizetype i = 0; i < sql.size(); ++i) {
         if (sql[i] != u'\'')
             continue;
         if (!inLiteral) {
-            result += translateCode(sql.mid(start, i - start), likeFoldsCase);
+            result += code(sql.mid(start, i - start), true);
             start = i;
             inLiteral = true;
         } else if (i + 1 < sql.size() && sql[i + 1] == u'\'') {
@@ -51,6 +133,22 @@ QString TranslateJetSql(const QString &sql, bool likeFoldsCase)
     if (inLiteral)
         result += QStringView(sql).mid(start);
     else
-        result += translateCode(sql.mid(start), likeFoldsCase);
+        result += code(sql.mid(start), false);
+    return result;
+}
+
+} // namespace
+
+QString TranslateJetSql(const QString &sql, SqlEngine engine)
+{
+    if (engine != SqlEngine::Postgres)
+        return translate(sql, engine, nullptr);
+    QString codeOnly;
+    QString result = translate(sql, engine, &codeOnly);
+    if (const QString order = keyOrder(codeOnly); !order.isEmpty()) {
+        while (result.endsWith(u';') || (!result.isEmpty() && result.back().isSpace()))
+            result.chop(1);
+        result += order;
+    }
     return result;
 }

@@ -341,17 +341,90 @@ Recordset runOnSqlite(sqlite3 *connection, const QString &sql, StatementError *e
     return Recordset(source);
 }
 
+Recordset failQuery(StatementError *error, const QSqlError &e, bool commandText)
+{
+    error->failed = true;
+    error->number = e.nativeErrorCode().isEmpty() ? QStringLiteral("-1") : e.nativeErrorCode();
+    error->commandText = commandText;
+    error->description = e.databaseText().isEmpty() ? e.text() : e.databaseText();
+    return {};
+}
+
+// Whether the text is one plain statement for a server: outside its quoted texts no ";" with
+// more after it, and none of the server's other quotings or comments ($$, "", E'', --, /*),
+// which a value cut short by a stray apostrophe could otherwise open.
+bool plainStatement(const QString &sql)
+{
+    bool inText = false;
+    for (qsizetype i = 0; i < sql.size(); ++i) {
+        const QChar c = sql[i];
+        if (inText) {
+            if (c == u'\'')
+                inText = false; // a doubled apostrophe closes and opens again
+            continue;
+        }
+        const QChar next = i + 1 < sql.size() ? sql[i + 1] : QChar();
+        if (c == u'\'') {
+            const QChar before = i > 0 ? sql[i - 1] : QChar();
+            if ((before == u'E' || before == u'e') && (i < 2 || !(sql[i - 2].isLetterOrNumber() || sql[i - 2] == u'_')))
+                return false;
+            inText = true;
+        } else if (c == u'$' || c == u'"' || (c == u'-' && next == u'-') || (c == u'/' && next == u'*')) {
+            return false;
+        } else if (c == u';') {
+            for (qsizetype k = i + 1; k < sql.size(); ++k) {
+                if (!sql[k].isSpace() && sql[k] != u';')
+                    return false;
+            }
+            return true;
+        }
+    }
+    return true;
+}
+
+// On a server the statement is prepared before it runs, which takes one statement only: text
+// after its end is an error in the command text, as it is on the file database. The server's
+// class 42 (syntax error, unknown table, column or function) is such an error; a refused
+// permission, in the same class, is reported. Inside a batch each statement has a savepoint of
+// its own, so that one failing statement does not spoil the batch, as on the file database.
+Recordset runOnServer(QSqlDatabase &db, const QString &sql, bool insideBatch, StatementError *error)
+{
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    if (!plainStatement(sql)) {
+        error->failed = true;
+        error->commandText = true;
+        error->number = QStringLiteral("42601");
+        error->description = QStringLiteral("Characters found after end of SQL statement.");
+        return {};
+    }
+    // A failing query inside a batch would spoil the batch on a server, so each change has a
+    // savepoint to go back to. A query only reads.
+    const bool savepoint = insideBatch && !sql.startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive);
+    if (savepoint)
+        query.exec(QStringLiteral("SAVEPOINT statement"));
+    const bool ok = query.exec(sql);
+    if (!ok) {
+        const QSqlError e = query.lastError();
+        const QString state = e.nativeErrorCode();
+        if (savepoint)
+            QSqlQuery(db).exec(QStringLiteral("ROLLBACK TO SAVEPOINT statement"));
+        return failQuery(error, e, state.startsWith(QLatin1String("42")) && state != u"42501");
+    }
+    if (savepoint)
+        QSqlQuery(db).exec(QStringLiteral("RELEASE SAVEPOINT statement"));
+    if (!query.isSelect())
+        return {};
+    return Recordset(std::make_shared<QuerySource>(std::move(query)));
+}
+
 Recordset runOnQt(QSqlDatabase &db, const QString &sql, StatementError *error)
 {
     QSqlQuery query(db);
     query.setForwardOnly(true);
     if (!query.exec(sql)) {
         const QSqlError e = query.lastError();
-        error->failed = true;
-        error->number = e.nativeErrorCode().isEmpty() ? QStringLiteral("-1") : e.nativeErrorCode();
-        error->commandText = e.type() == QSqlError::StatementError && error->number == u"1";
-        error->description = e.databaseText().isEmpty() ? e.text() : e.databaseText();
-        return {};
+        return failQuery(error, e, e.type() == QSqlError::StatementError && e.nativeErrorCode() == u"1");
     }
     if (!query.isSelect())
         return {};
@@ -365,9 +438,11 @@ void ReleaseCachedStatements()
     insertCache().clear();
 }
 
-Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error)
+Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error, bool insideBatch)
 {
     if (sqlite3 *connection = sqliteHandle(db))
         return runOnSqlite(connection, sql, error);
+    if (db.driverName() == u"QPSQL")
+        return runOnServer(db, sql, insideBatch, error);
     return runOnQt(db, sql, error);
 }

@@ -14,6 +14,7 @@ struct StatementError {
 
 // Runs the statement (already in the engine's dialect). A query answers its rows; any other
 // statement answers no result. On failure the error says why and the result is empty.
-Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error);
+// insideBatch: a transaction is open, which a failing statement must leave usable.
+Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error, bool insideBatch = false);
 // Lets go of the statements kept for reuse; before the connection closes.
 void ReleaseCachedStatements();

@@ -119,6 +119,8 @@ bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *pro
             *problem = why;
         return false;
     };
+    if (id == 0)
+        id = NextId(QStringLiteral("RECIPE"));
     if (replace) {
         gSQL = QStringLiteral("DELETE * FROM RECIPE WHERE ID = ") + QString::number(id);
         if (ExecuteSQL(gSQL).failed())

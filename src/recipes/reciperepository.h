@@ -11,6 +11,8 @@ QStringList RecipeInsertStatements(const RecipeData &recipe, qint32 id);
 // (and so its lines) is deleted first. All or nothing: the stored recipe is read back before
 // the commit, and when any statement failed or any text differs from the recipe given,
 // nothing is kept, false is returned and problem (when given) says which text and why.
+// Identifier 0 stores a new recipe under the next free identifier, taken inside the same
+// commit so that no other writer can take it meanwhile.
 bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem = nullptr);
 // Why a recipe cannot be stored as it stands, naming the text; "" when nothing is known.
 // An apostrophe that touches a comma or a parenthesis is taken for the end of its text.

@@ -105,6 +105,5 @@ bool frmAdd2::SaveRecipe(QString *problem)
 {
     WaitCursor busy;
     const bool copy = !EditMode || SaveAsCopy;
-    const qint32 id = copy ? NextId(QStringLiteral("RECIPE")) : RecipeID;
-    return StoreRecipe(CurrentRecipe(), id, !copy, problem);
+    return StoreRecipe(CurrentRecipe(), copy ? 0 : RecipeID, !copy, problem);
 }

@@ -72,8 +72,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         for (int number = 1; reader.next(read); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
-                const qint32 id = NextId(QStringLiteral("RECIPE"));
-                if (!StoreRecipe(read.recipe, id, false, &problem) && problem.isEmpty())
+                if (!StoreRecipe(read.recipe, 0, false, &problem) && problem.isEmpty())
                     problem = QStringLiteral("the database refused it");
             }
             if (problem.isEmpty()) {

@@ -9,7 +9,11 @@
 #include "core/platform.h"
 #include "recipes/reciperepository.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QLabel>
 #include <QWidget>
 
@@ -156,8 +160,80 @@ void TestHome::registerDatabase(const QString &file)
     RegisterDataSource(source);
 }
 
+QString TestServerDir()
+{
+    return qEnvironmentVariable("MIREPAN_TEST_SERVER");
+}
+
+namespace {
+
+QString serverFile(const QString &name)
+{
+    QFile file(TestServerDir() + u'/' + name);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).trimmed() : QString();
+}
+
+DataSource testServerSource(const QString &database)
+{
+    DataSource source;
+    source.name = kDataSourceName;
+    source.driver = QStringLiteral("QPSQL");
+    source.host = QStringLiteral("127.0.0.1");
+    source.port = serverFile(QStringLiteral("port")).toInt();
+    source.user = serverFile(QStringLiteral("user"));
+    source.database = database;
+    return source;
+}
+
+void runOrDie(QSqlDatabase &db, const QString &sql)
+{
+    QSqlQuery query(db);
+    if (!query.exec(sql))
+        qFatal("test server: %s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
+}
+
+// A database of this test program's own on the test server, emptied and given fresh tables.
+DataSource freshServerDatabase()
+{
+    const QString database = QStringLiteral("mirepan_test_%1").arg(QCoreApplication::applicationPid());
+    static bool created = false;
+    const QString connection = QStringLiteral("test-server");
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection);
+        if (!created) {
+            ConfigureConnection(db, testServerSource(QStringLiteral("postgres")));
+            if (!db.open())
+                qFatal("test server: %s", qPrintable(db.lastError().text()));
+            runOrDie(db, QStringLiteral("DROP DATABASE IF EXISTS ") + database);
+            runOrDie(db, QStringLiteral("CREATE DATABASE ") + database);
+            db.close();
+            created = true;
+        }
+        ConfigureConnection(db, testServerSource(database));
+        if (!db.open())
+            qFatal("test server: %s", qPrintable(db.lastError().text()));
+        runOrDie(db, QStringLiteral("DROP SCHEMA public CASCADE"));
+        runOrDie(db, QStringLiteral("CREATE SCHEMA public"));
+        QString error;
+        if (!CreateServerSchema(db, &error))
+            qFatal("test server: %s", qPrintable(error));
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(connection);
+    return testServerSource(database);
+}
+
+} // namespace
+
 void TestHome::createAndOpenDatabase()
 {
+    if (!TestServerDir().isEmpty()) {
+        RegisterDataSource(freshServerDatabase());
+        OpenFailure failure;
+        if (!OpenDatabase(&failure))
+            qFatal("cannot open the test database on the server: %s", qPrintable(failure.reason));
+        return;
+    }
     QString error;
     if (!CreateDatabaseFromSchema(databasePath(), &error))
         qFatal("cannot create the test database: %s", qPrintable(error));

@@ -144,6 +144,16 @@ QString Describe(const RecipeData &recipe);
 // The texts of a list's column, top to bottom.
 QStringList ColumnTexts(const QTreeWidget *list, int column = 0);
 
+// The test server's directory (scripts/pgserver.sh) when the tests run against a PostgreSQL
+// server, "" when they run against the file database.
+QString TestServerDir();
+// Skips the test when it runs against a server: it is about the database file itself.
+#define SKIP_ON_SERVER()                                                                                               \
+    do {                                                                                                               \
+        if (!TestServerDir().isEmpty())                                                                                \
+            QSKIP("about the database file");                                                                          \
+    } while (false)
+
 // The first field of the first row of a query on the session, -1 when there is none.
 int QueryNumber(const QString &sql);
 QString ShippedIniPath();
