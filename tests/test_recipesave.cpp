@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProcess>
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QTest>
@@ -290,6 +291,34 @@ private Q_SLOTS:
         meant.notes = text;
         meant.prepTime = meant.cookTime = QStringLiteral("00:00");
         QCOMPARE(Describe(LoadRecipe(1)), Describe(meant));
+    }
+
+    // Two computers of the household saving new recipes at the same moment: each recipe is
+    // kept, each under an identifier of its own, and each whole.
+    void twoWritersAtOnceKeepEveryRecipe()
+    {
+        StoreTestRecipe(sampleRecipe(QStringLiteral("Rice")));
+        QList<QProcess *> writers;
+        for (const char *label : {"Kitchen", "Study"}) {
+            auto *writer = new QProcess(this);
+            writer->start(QStringLiteral(MIREPAN_SAVE_LOOP), {QStringLiteral("60"), QLatin1String(label)});
+            writers.append(writer);
+        }
+        for (int n = 1; n <= 60; ++n)
+            StoreTestRecipe(sampleRecipe(QStringLiteral("Hall %1").arg(n)));
+        for (QProcess *writer : writers) {
+            QVERIFY(writer->waitForFinished(60000));
+            QVERIFY2(writer->exitCode() == 0, writer->readAllStandardOutput() + writer->readAllStandardError());
+        }
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 181);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 2 + 60 * 2 + 120 * 8);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM DIRECTIONS"), 2 + 60 * 2 + 120 * 3);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE title LIKE 'kitchen %'"), 60);
+        QCOMPARE(QueryNumber("SELECT MAX(id) FROM RECIPE"), 181);
+        // Every line belongs to the recipe it was written for.
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS A, RECIPE B WHERE A.recipe_id = B.id AND "
+                             "A.ingredient LIKE '% of ' & B.title"),
+                 120 * 8);
     }
 };
 

@@ -310,12 +310,17 @@ StatementBatch::StatementBatch()
     if (gNotConnected)
         return;
     if (g_batchDepth == 0) {
-        m_active = gConn().transaction();
-        // Writers take turns, on a server as in the file database: a batch that numbers a new
-        // recipe (the largest id plus one) then stores it cannot meet another machine's
-        // recipe under the same number. The turn ends with the transaction.
-        if (m_active && onServer(gConn()))
-            QSqlQuery(gConn()).exec(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(kWriterLock));
+        // Writers take turns: a batch that numbers a new recipe (the largest id plus one) and
+        // then stores it cannot meet another writer's recipe under the same number. The file
+        // database is claimed for writing at the start (waiting while another program writes),
+        // a server's collection through a lock of its own; the turn ends with the batch.
+        if (onServer(gConn())) {
+            m_active = gConn().transaction();
+            if (m_active)
+                QSqlQuery(gConn()).exec(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(kWriterLock));
+        } else {
+            m_active = QSqlQuery(gConn()).exec(QStringLiteral("BEGIN IMMEDIATE"));
+        }
     } else {
         // Inside another batch: a savepoint, so that this one can fail alone.
         m_savepoint = QStringLiteral("batch") + QString::number(g_batchDepth);

@@ -110,7 +110,7 @@ QStringList RecipeInsertStatements(const RecipeData &r, qint32 id)
     return statements;
 }
 
-bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem)
+bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem, qint32 *storedId)
 {
     StatementBatch batch;
     const auto refuse = [&](const QString &why) {
@@ -137,6 +137,8 @@ bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *pro
         const QString known = UnstorableText(recipe);
         return refuse(known.isEmpty() ? differs : known);
     }
+    if (storedId)
+        *storedId = id;
     return true;
 }
 

@@ -12,8 +12,9 @@ QStringList RecipeInsertStatements(const RecipeData &recipe, qint32 id);
 // the commit, and when any statement failed or any text differs from the recipe given,
 // nothing is kept, false is returned and problem (when given) says which text and why.
 // Identifier 0 stores a new recipe under the next free identifier, taken inside the same
-// commit so that no other writer can take it meanwhile.
-bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem = nullptr);
+// commit so that no other writer can take it meanwhile; storedId says which it was.
+bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem = nullptr,
+                 qint32 *storedId = nullptr);
 // Why a recipe cannot be stored as it stands, naming the text; "" when nothing is known.
 // An apostrophe that touches a comma or a parenthesis is taken for the end of its text.
 QString UnstorableText(const RecipeData &recipe);

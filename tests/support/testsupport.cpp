@@ -303,10 +303,8 @@ RecipeData TestRecipe(const QString &title, const QStringList &lines, const QStr
 
 qint32 StoreTestRecipe(const RecipeData &recipe, qint32 id)
 {
-    if (id == 0)
-        id = NextId(QStringLiteral("RECIPE"));
     QString problem;
-    if (StoreRecipe(recipe, id, false, &problem))
+    if (StoreRecipe(recipe, id, false, &problem, &id))
         return id;
     QTest::qFail(qPrintable(QStringLiteral("cannot store %1: %2").arg(recipe.title, problem)), __FILE__, __LINE__);
     return -1;

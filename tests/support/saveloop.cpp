@@ -1,0 +1,76 @@
+// Another household computer saving recipes: "saveloop COUNT LABEL" opens the registered
+// collection and saves COUNT new recipes titled "LABEL n" as the editor does, each under the
+// next free identifier. It prints "saved S failed F" and fails when any save failed.
+
+#include "core/database.h"
+#include "core/msgbox.h"
+#include "recipes/reciperepository.h"
+
+#include <QCoreApplication>
+#include <cstdio>
+
+namespace {
+
+// No one to ask: every box goes to standard error and is answered OK.
+class Unattended : public Responder
+{
+public:
+    MsgResult messageBox(const QString &prompt, MsgStyle, const QString &title) override
+    {
+        std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(prompt));
+        return MsgResult::Ok;
+    }
+    QString inputBox(const QString &, const QString &, const QString &) override { return {}; }
+    QString fileName(const QString &, const QString &) override { return {}; }
+    void showModal(QDialog *) override {}
+    void wait(double) override {}
+};
+
+RecipeData recipe(const QString &title, int n)
+{
+    RecipeData r;
+    r.recipeType = QStringLiteral("Food");
+    r.title = title;
+    r.category = QStringLiteral("Soups");
+    r.servings = QString::number(2 + n % 6);
+    r.prepTime = QStringLiteral("00:15");
+    r.cookTime = QStringLiteral("00:40");
+    for (int line = 1; line <= 8; ++line)
+        r.ingredients.append({QStringLiteral("%1").arg(line, 2, 10, QLatin1Char('0')), QStringLiteral("1/2"),
+                              QStringLiteral("cup"), QStringLiteral("item %1 of %2").arg(line).arg(title),
+                              QStringLiteral("item %1").arg(line)});
+    for (int step = 1; step <= 3; ++step)
+        r.directions.append({QStringLiteral("%1").arg(step, 2, 10, QLatin1Char('0')),
+                             QStringLiteral("Step %1 of %2.").arg(step).arg(title)});
+    return r;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    if (argc != 3)
+        return 2;
+    Unattended unattended;
+    SetResponder(&unattended);
+    OpenFailure failure;
+    if (!OpenDatabase(&failure)) {
+        std::fprintf(stderr, "saveloop: cannot open the collection: %s\n", qPrintable(failure.reason));
+        return 1;
+    }
+    const int count = QString::fromLocal8Bit(argv[1]).toInt();
+    const QString label = QString::fromLocal8Bit(argv[2]);
+    int saved = 0;
+    int failed = 0;
+    for (int n = 1; n <= count; ++n) {
+        QString problem;
+        if (StoreRecipe(recipe(QStringLiteral("%1 %2").arg(label).arg(n), n), 0, false, &problem))
+            ++saved;
+        else
+            ++failed;
+    }
+    std::printf("saved %d failed %d\n", saved, failed);
+    CloseDatabase();
+    return failed == 0 ? 0 : 1;
+}
