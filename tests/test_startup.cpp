@@ -24,6 +24,8 @@
 #include <QProgressBar>
 #include <QStandardPaths>
 #include <QPushButton>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 
 class TestStartup : public SessionTest
@@ -116,6 +118,80 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
         QCOMPARE(ReadBytes(m_home->databasePath()), QByteArray(5000, '\x5a'));
         QVERIFY(gNotConnected);
+    }
+
+    void anUnreachableServerIsNamedAndNothingIsSetUp()
+    {
+        DataSource server;
+        server.name = kDataSourceName;
+        server.driver = QStringLiteral("QPSQL");
+        server.host = QStringLiteral("127.0.0.1");
+        server.port = 1; // nothing listens there
+        server.database = QStringLiteral("recipes");
+        server.password = QStringLiteral("never-shown");
+        RegisterDataSource(server);
+        m_shell->regVesk = RegVeskPath();
+        ConnectAtStartup();
+        QVERIFY(m_shell->started.isEmpty());
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        const QString prompt = m_boxes->prompts().first();
+        QVERIFY2(prompt.startsWith(QStringLiteral("The recipe database recipes on 127.0.0.1 cannot be used: ")), qPrintable(prompt));
+        QVERIFY2(prompt.endsWith(QStringLiteral("Check that the server is running and can be reached from this computer, then "
+                                                "start Mirepan again. Until then Mirepan runs without its database.")),
+                 qPrintable(prompt));
+        QVERIFY(!prompt.contains(QStringLiteral("never-shown")));
+        QCOMPARE(FindDataSource(kDataSourceName).password, QStringLiteral("never-shown")); // the entry stays
+        QVERIFY(gNotConnected);
+    }
+
+    // The set-up utility's way onto a server: the tables made in an empty database, a
+    // collection already there kept, anything else refused, and the entry written only then.
+    void setUpRegistersAServerCollection()
+    {
+        const auto regVesk = [](const QStringList &arguments) {
+            QProcess process;
+            process.start(RegVeskPath(), QStringList{QStringLiteral("/server")} + arguments);
+            process.waitForFinished();
+            return std::pair(process.exitCode(), QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError()));
+        };
+        QCOMPARE(regVesk({QStringLiteral("host=x"), QStringLiteral("colour=red")}).first, 2);
+        QCOMPARE(regVesk({QStringLiteral("host=x")}).first, 2); // no database named
+        QVERIFY(FindDataSource(kDataSourceName).name.isEmpty());
+        if (TestServerDir().isEmpty())
+            QSKIP("the rest needs the test server");
+        const DataSource empty = EmptyServerDatabase(QStringLiteral("setup"));
+        const QStringList arguments{QStringLiteral("host=") + empty.host, QStringLiteral("port=%1").arg(empty.port),
+                                    QStringLiteral("dbname=") + empty.database, QStringLiteral("user=") + empty.user};
+        auto [status, said] = regVesk(arguments);
+        QVERIFY2(status == 0, qPrintable(said));
+        QVERIFY(said.contains(QStringLiteral("created the recipe tables")));
+        const DataSource registered = FindDataSource(kDataSourceName);
+        QCOMPARE(registered.driver, QStringLiteral("QPSQL"));
+        QCOMPARE(registered.database, empty.database);
+        QCOMPARE(registered.port, empty.port);
+        QVERIFY(OpenDatabase());
+        StoreTestRecipe(TestRecipe(QStringLiteral("Soup"), {"1|cup|Water"}));
+        CloseDatabase();
+        // Once more: the collection is kept as it is.
+        std::tie(status, said) = regVesk(arguments);
+        QVERIFY2(status == 0, qPrintable(said));
+        QVERIFY(OpenDatabase());
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
+        CloseDatabase();
+        // A database holding other tables is refused and the registration stays as it was.
+        const DataSource other = EmptyServerDatabase(QStringLiteral("other"));
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("other"));
+            ConfigureConnection(db, other);
+            QVERIFY(db.open());
+            QVERIFY(QSqlQuery(db).exec(QStringLiteral("CREATE TABLE accounts (id integer)")));
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        std::tie(status, said) = regVesk({arguments[0], arguments[1], QStringLiteral("dbname=") + other.database, arguments[3]});
+        QCOMPARE(status, 1);
+        QVERIFY2(said.contains(QStringLiteral("already holds tables")), qPrintable(said));
+        QCOMPARE(FindDataSource(kDataSourceName).database, empty.database);
     }
 
     void secondFailureLeavesTheProgramRunningUnconnected()

@@ -103,10 +103,11 @@ QString describe(const DataSource &source)
     return QStringLiteral("%1 on %2").arg(source.database, source.host.isEmpty() ? QStringLiteral("localhost") : source.host);
 }
 
-bool failOpen(OpenFailure *failure, OpenFailure::Kind kind, const QString &file, const QString &reason = {})
+bool failOpen(OpenFailure *failure, OpenFailure::Kind kind, const QString &file, const QString &reason = {},
+              bool server = false)
 {
     if (failure)
-        *failure = {kind, file, reason};
+        *failure = {kind, file, reason, server};
     return false;
 }
 
@@ -143,10 +144,11 @@ bool OpenDatabase(OpenFailure *failure)
                           : QSqlDatabase::addDatabase(source.driver, kDataSourceName);
     ConfigureConnection(db, source);
     if (!db.open())
-        return failOpen(failure, OpenFailure::Unusable, describe(source), db.lastError().text());
+        return failOpen(failure, OpenFailure::Unusable, describe(source), db.lastError().text().trimmed(),
+                        source.onServer());
     if (const QString problem = recipeDatabaseProblem(db); !problem.isEmpty()) {
         db.close();
-        return failOpen(failure, OpenFailure::Unusable, describe(source), problem);
+        return failOpen(failure, OpenFailure::Unusable, describe(source), problem, source.onServer());
     }
     prepareConnection(db);
     gNotConnected = false;

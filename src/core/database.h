@@ -25,8 +25,9 @@ extern qint16 gMaxRecipeID;
 struct OpenFailure {
     enum Kind { None, NotRegistered, Missing, Unusable };
     Kind kind = None;
-    QString file;
+    QString file; // for a server: the database and its server
     QString reason;
+    bool onServer = false;
 };
 
 // Opens the registered data source "PANTRIO" (user "admin", password "marjoram"). A missing

@@ -25,9 +25,13 @@ void reportOpenFailure(const OpenFailure &failure)
                                   "and start Mirepan again. Until then Mirepan runs without its database."),
                Msg::Critical, QStringLiteral("Database not found"));
     } else {
+        const QString after = failure.onServer
+                                  ? QStringLiteral(".\n\nCheck that the server is running and can be reached from this "
+                                                   "computer, then start Mirepan again. Until then Mirepan runs without "
+                                                   "its database.")
+                                  : QStringLiteral(".\n\nThe file was left as it is. Mirepan runs without its database.");
         MsgBox(QStringLiteral("The recipe database ") + failure.file + QStringLiteral(" cannot be used: ") +
-                   failure.reason +
-                   QStringLiteral(".\n\nThe file was left as it is. Mirepan runs without its database."),
+                   failure.reason + after,
                Msg::Critical, QStringLiteral("Error"));
     }
 }

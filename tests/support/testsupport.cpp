@@ -173,7 +173,9 @@ QString serverFile(const QString &name)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).trimmed() : QString();
 }
 
-DataSource testServerSource(const QString &database)
+} // namespace
+
+DataSource TestServerSource(const QString &database)
 {
     DataSource source;
     source.name = kDataSourceName;
@@ -185,6 +187,8 @@ DataSource testServerSource(const QString &database)
     return source;
 }
 
+namespace {
+
 void runOrDie(QSqlDatabase &db, const QString &sql)
 {
     QSqlQuery query(db);
@@ -195,21 +199,12 @@ void runOrDie(QSqlDatabase &db, const QString &sql)
 // A database of this test program's own on the test server, emptied and given fresh tables.
 DataSource freshServerDatabase()
 {
-    const QString database = QStringLiteral("mirepan_test_%1").arg(QCoreApplication::applicationPid());
-    static bool created = false;
+    static const DataSource source = EmptyServerDatabase(QStringLiteral("recipes"));
+    const QString database = source.database;
     const QString connection = QStringLiteral("test-server");
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection);
-        if (!created) {
-            ConfigureConnection(db, testServerSource(QStringLiteral("postgres")));
-            if (!db.open())
-                qFatal("test server: %s", qPrintable(db.lastError().text()));
-            runOrDie(db, QStringLiteral("DROP DATABASE IF EXISTS ") + database);
-            runOrDie(db, QStringLiteral("CREATE DATABASE ") + database);
-            db.close();
-            created = true;
-        }
-        ConfigureConnection(db, testServerSource(database));
+        ConfigureConnection(db, TestServerSource(database));
         if (!db.open())
             qFatal("test server: %s", qPrintable(db.lastError().text()));
         runOrDie(db, QStringLiteral("DROP SCHEMA public CASCADE"));
@@ -220,10 +215,27 @@ DataSource freshServerDatabase()
         db.close();
     }
     QSqlDatabase::removeDatabase(connection);
-    return testServerSource(database);
+    return TestServerSource(database);
 }
 
 } // namespace
+
+DataSource EmptyServerDatabase(const QString &name)
+{
+    const QString database = QStringLiteral("mirepan_%1_%2").arg(name).arg(QCoreApplication::applicationPid());
+    const QString connection = QStringLiteral("test-server-admin");
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection);
+        ConfigureConnection(db, TestServerSource(QStringLiteral("postgres")));
+        if (!db.open())
+            qFatal("test server: %s", qPrintable(db.lastError().text()));
+        runOrDie(db, QStringLiteral("DROP DATABASE IF EXISTS ") + database);
+        runOrDie(db, QStringLiteral("CREATE DATABASE ") + database);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(connection);
+    return TestServerSource(database);
+}
 
 void TestHome::createAndOpenDatabase()
 {

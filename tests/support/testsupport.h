@@ -2,6 +2,7 @@
 // What the tests share: a scripted answerer for message boxes, a throw-away program directory
 // with its own settings file and database, and a fake shell.
 
+#include "core/datasources.h"
 #include "core/msgbox.h"
 #include "core/shell.h"
 #include "recipes/recipedata.h"
@@ -147,6 +148,10 @@ QStringList ColumnTexts(const QTreeWidget *list, int column = 0);
 // The test server's directory (scripts/pgserver.sh) when the tests run against a PostgreSQL
 // server, "" when they run against the file database.
 QString TestServerDir();
+// The test server's entry for one of its databases.
+DataSource TestServerSource(const QString &database);
+// A new, empty database of this test program's own on the test server.
+DataSource EmptyServerDatabase(const QString &name);
 // Skips the test when it runs against a server: it is about the database file itself.
 #define SKIP_ON_SERVER()                                                                                               \
     do {                                                                                                               \
