@@ -133,6 +133,25 @@ private Q_SLOTS:
         QVERIFY(m_boxes->boxes.isEmpty());
     }
 
+    // Lists are read while other statements run, one per row read.
+    void aResultStaysWholeWhileOtherStatementsRun()
+    {
+        m_home->createAndOpenDatabase();
+        {
+            StatementBatch batch;
+            for (int id = 1; id <= 400; ++id)
+                ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('item %1', 'F', 0)").arg(id));
+        }
+        int read = 0;
+        for (Recordset rs = ExecuteSQL("SELECT * FROM CABINET"); rs && !rs.eof(); rs.MoveNext()) {
+            ++read;
+            ExecuteSQL(QStringLiteral("INSERT INTO MENU VALUES (%1, '', 'k%1', '") .arg(read) + rs.text(0) + QStringLiteral("')"));
+            QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM CABINET WHERE item = '") + rs.text(0) + u'\''), 1);
+        }
+        QCOMPARE(read, 400);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM MENU"), 400);
+    }
+
     void everyLetterComparesWithoutRegardToCase()
     {
         m_home->createAndOpenDatabase();

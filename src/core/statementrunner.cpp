@@ -389,8 +389,10 @@ bool plainStatement(const QString &sql)
 // its own, so that one failing statement does not spoil the batch, as on the file database.
 Recordset runOnServer(QSqlDatabase &db, const QString &sql, bool insideBatch, StatementError *error)
 {
+    // The rows come over whole: read one by one, they would be lost when another statement
+    // runs while they are read, as the program's loops do.
     QSqlQuery query(db);
-    query.setForwardOnly(true);
+    query.setForwardOnly(false);
     if (!plainStatement(sql)) {
         error->failed = true;
         error->commandText = true;
