@@ -280,6 +280,11 @@ private Q_SLOTS:
         // Text after the statement's end fails the whole statement instead of being dropped.
         QVERIFY(ExecuteSQL("INSERT INTO DIRECTIONS VALUES (1, 1, 'Add (see 'Basics'); stir well')").failed());
         QVERIFY(ExecuteSQL("DELETE FROM CABINET; DELETE FROM MENU").failed());
+        // Nor can a server's other quotings hide a second statement.
+        ExecuteSQL("INSERT INTO RECIPE VALUES (1, '', 'F', '', 'Kept', '', '', '', '')");
+        QVERIFY(ExecuteSQL("UPDATE RECIPE SET notes = $$x'$$; DELETE FROM RECIPE; --'").failed());
+        QVERIFY(ExecuteSQL("UPDATE RECIPE SET notes = E'x\\''; DELETE FROM RECIPE; --'").failed());
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
         QCOMPARE(QueryNumber("SELECT count(*) FROM DIRECTIONS"), 0);
         QVERIFY(!ExecuteSQL("SELECT count(*) FROM DIRECTIONS;  ").failed());
         QVERIFY(m_boxes->boxes.isEmpty());

@@ -48,9 +48,10 @@ const TableColumns kRecipeTables[] = {
     {"MENU", {"ID", "parent", "key", "text"}},
 };
 
-// Why the opened database cannot serve as the recipe database; "" when it can. Only reads:
-// a damaged file is left exactly as it was.
-QString recipeDatabaseProblem(QSqlDatabase &db)
+} // namespace
+
+// Only reads: a damaged file is left exactly as it was.
+QString RecipeDatabaseProblem(QSqlDatabase &db)
 {
     if (db.driverName() == u"QSQLITE") {
         // The engine opens a file without looking at it: the first read tells.
@@ -80,6 +81,8 @@ QString recipeDatabaseProblem(QSqlDatabase &db)
     return {};
 }
 
+namespace {
+
 void prepareConnection(QSqlDatabase &db)
 {
     if (db.driverName() != u"QSQLITE")
@@ -100,7 +103,7 @@ QString describe(const DataSource &source)
 {
     if (!source.onServer())
         return source.database;
-    return QStringLiteral("%1 on %2").arg(source.database, source.host.isEmpty() ? QStringLiteral("localhost") : source.host);
+    return QStringLiteral("%1 on %2").arg(source.database, source.serverName());
 }
 
 bool failOpen(OpenFailure *failure, OpenFailure::Kind kind, const QString &file, const QString &reason = {},
@@ -146,7 +149,7 @@ bool OpenDatabase(OpenFailure *failure)
     if (!db.open())
         return failOpen(failure, OpenFailure::Unusable, describe(source), db.lastError().text().trimmed(),
                         source.onServer());
-    if (const QString problem = recipeDatabaseProblem(db); !problem.isEmpty()) {
+    if (const QString problem = RecipeDatabaseProblem(db); !problem.isEmpty()) {
         db.close();
         return failOpen(failure, OpenFailure::Unusable, describe(source), problem, source.onServer());
     }
@@ -172,11 +175,6 @@ void ConfigureConnection(QSqlDatabase &db, const DataSource &source)
     }
 }
 
-QString RecipeDatabaseProblem(QSqlDatabase &db)
-{
-    return recipeDatabaseProblem(db);
-}
-
 QString RecipeDatabaseProblem(const QString &file)
 {
     if (!QFileInfo(file).isFile())
@@ -187,7 +185,7 @@ QString RecipeDatabaseProblem(const QString &file)
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
         db.setDatabaseName(file);
         db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-        problem = db.open() ? recipeDatabaseProblem(db) : db.lastError().text();
+        problem = db.open() ? RecipeDatabaseProblem(db) : db.lastError().text();
         db.close();
     }
     QSqlDatabase::removeDatabase(name);

@@ -18,6 +18,8 @@ struct DataSource {
     QString sslMode;
 
     bool onServer() const { return driver == u"QPSQL"; }
+    // The server as the household names it; libpq's own default when none is given.
+    QString serverName() const { return host.isEmpty() ? QStringLiteral("localhost") : host; }
 };
 
 QString DataSourcesPath();

@@ -82,13 +82,13 @@ void copyDatabase(const QString &from, const QString &to)
 }
 
 // Backup and restore copy the database file. A collection on a server has no file here: the
-// server's own tools keep its copies, which say so and stop. True when it was said.
-bool onServer(const QString &what)
+// server's own tools keep its copies, which this names. True when it was said.
+bool pointedToServerTools(const QString &what)
 {
     const DataSource source = FindDataSource(kDataSourceName);
     if (!source.onServer())
         return false;
-    const QString host = source.host.isEmpty() ? QStringLiteral("localhost") : source.host;
+    const QString host = source.serverName();
     const QString port = source.port >= 0 ? QStringLiteral(" -p %1").arg(source.port) : QString();
     MsgBox(QStringLiteral("%1 applies to a database file, and your recipes are kept on the PostgreSQL server %2, "
                           "in the database %3.\n\nUse the server's own tools instead:\n"
@@ -112,7 +112,7 @@ void reportFailure(const QString &what, const PlatformError &error)
 
 void BackupDatabase()
 {
-    if (onServer(QStringLiteral("Backup")))
+    if (pointedToServerTools(QStringLiteral("Backup")))
         return;
     const QString d = databaseDirectory();
     if (d.isEmpty())
@@ -148,7 +148,7 @@ void BackupDatabase()
 
 void RestoreDatabase()
 {
-    if (onServer(QStringLiteral("Restore")))
+    if (pointedToServerTools(QStringLiteral("Restore")))
         return;
     const QString d = databaseDirectory();
     if (d.isEmpty())

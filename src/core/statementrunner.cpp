@@ -16,6 +16,7 @@ namespace {
 
 // SQLite's code for a statement it cannot parse or prepare (syntax, unknown table or column).
 constexpr int kCommandTextError = SQLITE_ERROR;
+const QString kTextAfterTheEnd = QStringLiteral("Characters found after end of SQL statement.");
 
 // Rows read straight from the embedded engine, each field converted only when it is read.
 class SqliteSource : public RecordSource
@@ -322,7 +323,7 @@ Recordset runOnSqlite(sqlite3 *connection, const QString &sql, StatementError *e
         error->failed = true;
         error->commandText = true;
         error->number = QString::number(kCommandTextError);
-        error->description = QStringLiteral("Characters found after end of SQL statement.");
+        error->description = kTextAfterTheEnd;
         return {};
     }
     result = sqlite3_step(statement);
@@ -382,8 +383,8 @@ bool plainStatement(const QString &sql)
     return true;
 }
 
-// On a server the statement is prepared before it runs, which takes one statement only: text
-// after its end is an error in the command text, as it is on the file database. The server's
+// A server runs every statement sent in one text, so the text must be one plain statement:
+// anything after its end is an error in the command text, as on the file database. The server's
 // class 42 (syntax error, unknown table, column or function) is such an error; a refused
 // permission, in the same class, is reported. Inside a batch each statement has a savepoint of
 // its own, so that one failing statement does not spoil the batch, as on the file database.
@@ -397,7 +398,7 @@ Recordset runOnServer(QSqlDatabase &db, const QString &sql, bool insideBatch, St
         error->failed = true;
         error->commandText = true;
         error->number = QStringLiteral("42601");
-        error->description = QStringLiteral("Characters found after end of SQL statement.");
+        error->description = kTextAfterTheEnd;
         return {};
     }
     // A failing query inside a batch would spoil the batch on a server, so each change has a
