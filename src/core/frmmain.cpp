@@ -2,6 +2,7 @@
 
 #include "appstate.h"
 #include "controls.h"
+#include "dbcompact.h"
 #include "guard.h"
 #include "msgbox.h"
 #include "periphery.h"
@@ -253,5 +254,8 @@ void frmMain::closeEvent(QCloseEvent *event)
 void EndProgram()
 {
     QApplication::closeAllWindows();
+    // Saved a recipe at a time, the file's pages interleave; left in order, the next start's
+    // first search reads it straight through.
+    CompactDatabaseIfScattered();
     QCoreApplication::quit();
 }
