@@ -218,5 +218,5 @@ QString Format(qint64 value, const QString &pattern)
                           .arg(magnitude % 100, 2, 10, QLatin1Char('0'));
     }
     // A run of zeros: at least that many digits.
-    return sign + QStringLiteral("%1").arg(magnitude, int(pattern.size()), 10, QLatin1Char('0'));
+    return sign + QString::number(magnitude).rightJustified(pattern.size(), u'0');
 }

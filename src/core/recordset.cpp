@@ -38,5 +38,7 @@ QString Recordset::text(const QString &column) const
 
 QString Recordset::text(int index) const
 {
-    return value(index).toString();
+    if (!m_onRow || index < 0 || index >= m_source->count())
+        return {};
+    return m_source->text(index);
 }

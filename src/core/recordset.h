@@ -14,6 +14,7 @@ public:
     virtual bool next() = 0; // moves to the next row; false past the last
     virtual QVariant value(int index) const = 0;
     virtual qint64 integer(int index) const { return value(index).toLongLong(); }
+    virtual QString text(int index) const { return value(index).toString(); }
     virtual int indexOf(const QString &column) const = 0; // without regard to case
     virtual int count() const = 0;
 };

@@ -65,6 +65,15 @@ public:
     {
         return index < int(m_names.size()) ? sqlite3_column_int64(m_statement, index) : 0;
     }
+    // Text read straight from the row, without a variant between (numbers keep their variant's
+    // spelling).
+    QString text(int index) const override
+    {
+        if (sqlite3_column_type(m_statement, index) != SQLITE_TEXT)
+            return RecordSource::text(index);
+        return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_statement, index)),
+                                 sqlite3_column_bytes(m_statement, index));
+    }
     int indexOf(const QString &column) const override
     {
         for (qsizetype i = 0; i < m_names.size(); ++i) {
