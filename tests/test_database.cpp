@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QTest>
 
 class TestDatabase : public SessionTest
@@ -250,6 +251,61 @@ private Q_SLOTS:
         QCOMPARE(handles(), 1);
         QVERIFY(OpenDatabase());
         QCOMPARE(handles(), 1);
+    }
+
+    // Queries that differ only in the identifier they look up are kept prepared too: each must
+    // answer what the statement as written answers, also while another of its shape is read.
+    void keptQueriesAnswerAsWritten()
+    {
+        SKIP_ON_SERVER();
+        m_home->createAndOpenDatabase();
+        for (int id = 1; id <= 3; ++id) {
+            ExecuteSQL(QStringLiteral("INSERT INTO RECIPE VALUES (%1, '4', 'F', 'Pies', 'Pie %1', '00:00', '00:00', '', '')").arg(id));
+            for (int line = 1; line <= id + 1; ++line)
+                ExecuteSQL(QStringLiteral("INSERT INTO INGREDIENTS VALUES (%1, %2, '1', 'c', 'item %1.%2', 'item')").arg(id).arg(line));
+        }
+        const auto lines = [](int id) {
+            return QStringLiteral("SELECT * FROM INGREDIENTS WHERE recipe_id = %1 ORDER BY ingred_id").arg(id);
+        };
+        Recordset outer = ExecuteSQL(lines(3));
+        QStringList read;
+        for (; !outer.eof(); outer.MoveNext()) {
+            read << outer.text(QStringLiteral("ingredient"));
+            for (Recordset inner = ExecuteSQL(lines(1)); !inner.eof(); inner.MoveNext())
+                read << inner.text(QStringLiteral("ingredient"));
+        }
+        QCOMPARE(read.join(u' '), QStringLiteral("item 3.1 item 1.1 item 1.2 item 3.2 item 1.1 item 1.2 item 3.3 item 1.1 "
+                                                 "item 1.2 item 3.4 item 1.1 item 1.2"));
+
+        QSqlDatabase plain = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("plain"));
+        plain.setDatabaseName(m_home->databasePath());
+        QVERIFY(plain.open());
+        const QStringList queries{
+            "SELECT * FROM RECIPE WHERE ID = 2", "SELECT * FROM RECIPE WHERE ID = 0002",
+            "SELECT title FROM RECIPE WHERE servings = 4", // a text column compared with a number
+            "SELECT id FROM RECIPE WHERE ID <= 2 ORDER BY 1 DESC", "SELECT MAX(id) FROM RECIPE",
+            "SELECT count(*) FROM INGREDIENTS WHERE recipe_id = 2", "SELECT ID = 2 FROM RECIPE",
+            "SELECT * FROM RECIPE WHERE ID = 12345678901234567890", "SELECT * FROM RECIPE WHERE ID = 2.0"};
+        for (const QString &sql : queries) {
+            for (int twice = 0; twice < 2; ++twice) {
+                QSqlQuery theirs(plain);
+                QVERIFY(theirs.exec(sql));
+                const QSqlRecord columns = theirs.record();
+                Recordset ours = ExecuteSQL(sql);
+                QVERIFY2(!ours.failed(), qPrintable(sql));
+                for (int k = 0; k < columns.count(); ++k)
+                    QCOMPARE(ours.columnIndex(columns.fieldName(k)), k);
+                for (; theirs.next(); ours.MoveNext()) {
+                    QVERIFY2(!ours.eof(), qPrintable(sql));
+                    for (int k = 0; k < columns.count(); ++k)
+                        QCOMPARE(ours.text(k), theirs.value(k).toString());
+                }
+                QVERIFY(ours.eof());
+            }
+        }
+        QVERIFY(ExecuteSQL("SELECT * FROM NOSUCH WHERE ID = 2").failed());
+        QVERIFY(m_boxes->boxes.isEmpty());
+        plain.close();
     }
 
     void longLikePatternsAreRefusedAsTheEngineDoes()

@@ -205,8 +205,11 @@ bool IsDelimiterApostrophe(const QString &sql, qsizetype i)
 {
     const QChar before = i > 0 ? sql[i - 1] : QChar();
     const QChar after = i + 1 < sql.size() ? sql[i + 1] : QChar();
-    const QString twoBefore = Trim(sql.mid(std::max<qsizetype>(0, i - 2), std::min<qsizetype>(2, i)));
-    return before == u'(' || after == u',' || twoBefore == u"," || after == u')';
+    // The two characters before, blanks around them left out, are a comma: ", '" or " ,'".
+    const bool commaBefore = i == 1 ? before == u','
+                                    : i > 1 && ((sql[i - 2] == u',' && before == u' ') ||
+                                                (sql[i - 2] == u' ' && before == u','));
+    return before == u'(' || after == u',' || commaBefore || after == u')';
 }
 
 qsizetype DelimiterApostropheIn(const QString &text)
@@ -228,12 +231,15 @@ QString PrepareSQL(QString &sql)
         return sql;
     QString out;
     out.reserve(sql.size() + 8);
-    const qsizetype n = sql.size();
-    for (qsizetype i = 0; i < n; ++i) {
-        out += sql[i];
-        if (sql[i] == u'\'' && !IsDelimiterApostrophe(sql, i))
-            out += u'\'';
+    qsizetype copied = 0;
+    for (qsizetype i = sql.indexOf(u'\''); i >= 0; i = sql.indexOf(u'\'', i + 1)) {
+        if (IsDelimiterApostrophe(sql, i))
+            continue;
+        out += QStringView(sql).sliced(copied, i + 1 - copied);
+        out += u'\'';
+        copied = i + 1;
     }
+    out += QStringView(sql).sliced(copied);
     return out;
 }
 

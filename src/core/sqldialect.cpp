@@ -137,12 +137,43 @@ QString translate(const QString &sql, SqlEngine engine, QString *codeOnly)
     return result;
 }
 
+// Whether the statement has anything the file database's dialect writes otherwise: "&", or the
+// words LIKE, UCASE or DELETE in any case (inside quoted texts too, which only costs a closer
+// look).
+bool mayNeedTranslation(const QString &sql)
+{
+    static const char *const words[] = {"like", "ucase", "delete"};
+    const qsizetype n = sql.size();
+    const QChar *text = sql.constData();
+    for (qsizetype i = 0; i < n; ++i) {
+        const char16_t c = text[i].unicode();
+        if (c == u'&')
+            return true;
+        const char16_t lower = c | 0x20;
+        if (lower != u'l' && lower != u'u' && lower != u'd')
+            continue;
+        for (const char *word : words) {
+            qsizetype k = 0;
+            while (word[k] && i + k < n && (text[i + k].unicode() | 0x20) == char16_t(word[k]))
+                ++k;
+            if (!word[k])
+                return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 QString TranslateJetSql(const QString &sql, SqlEngine engine)
 {
-    if (engine != SqlEngine::Postgres)
+    if (engine != SqlEngine::Postgres) {
+        // The stored lines of a recipe have nothing to translate for the file database: one
+        // look for what could need it is quicker than cutting the statement at its quoted texts.
+        if (!mayNeedTranslation(sql))
+            return sql;
         return translate(sql, engine, nullptr);
+    }
     QString codeOnly;
     QString result = translate(sql, engine, &codeOnly);
     if (const QString order = keyOrder(codeOnly); !order.isEmpty()) {

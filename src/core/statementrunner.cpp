@@ -9,6 +9,7 @@
 #include <sqlite3.h>
 
 #include <QHash>
+#include <QVarLengthArray>
 
 #include <cctype>
 
@@ -18,19 +19,100 @@ namespace {
 constexpr int kCommandTextError = SQLITE_ERROR;
 const QString kTextAfterTheEnd = QStringLiteral("Characters found after end of SQL statement.");
 
+// Statements kept for reuse, by shape: the text with its literal values taken out, so that the
+// same statement with other values is not parsed again. An import stores hundreds of thousands
+// of lines and reads each recipe back: parsing each statement anew costs more than running it.
+// A statement whose rows are still being read is out of the cache meanwhile; a second user of
+// the same shape gets one of its own.
+class StatementCache
+{
+public:
+    void clear()
+    {
+        for (sqlite3_stmt *statement : std::as_const(m_idle))
+            sqlite3_finalize(statement);
+        m_idle.clear();
+        m_connection = nullptr;
+        ++m_generation;
+    }
+
+    // The statement of the shape, prepared and without bindings; nullptr when the engine will
+    // not prepare it (the full text then runs as it stands and says why).
+    sqlite3_stmt *take(sqlite3 *connection, const QByteArray &shape)
+    {
+        if (connection != m_connection) {
+            clear();
+            m_connection = connection;
+        }
+        if (const auto kept = m_idle.find(shape); kept != m_idle.end()) {
+            sqlite3_stmt *statement = kept.value();
+            m_idle.erase(kept);
+            return statement;
+        }
+        sqlite3_stmt *statement = nullptr;
+        const char *tail = nullptr;
+        if (sqlite3_prepare_v3(connection, shape.constData(), int(shape.size()), SQLITE_PREPARE_PERSISTENT,
+                               &statement, &tail) != SQLITE_OK ||
+            !statement || (tail && *tail)) {
+            sqlite3_finalize(statement);
+            return nullptr;
+        }
+        return statement;
+    }
+
+    // A statement back from its use. One taken before the cache was cleared (its connection
+    // closing) is let go, as is a second one of a shape already kept.
+    void giveBack(const QByteArray &shape, sqlite3_stmt *statement, quint64 generation)
+    {
+        sqlite3_reset(statement);
+        sqlite3_clear_bindings(statement);
+        if (generation != m_generation || m_idle.size() >= kMostKept || m_idle.contains(shape)) {
+            sqlite3_finalize(statement);
+            return;
+        }
+        m_idle.insert(shape, statement);
+    }
+
+    quint64 generation() const { return m_generation; }
+
+private:
+    // The program's statements come in a few dozen shapes.
+    static constexpr qsizetype kMostKept = 64;
+    sqlite3 *m_connection = nullptr;
+    quint64 m_generation = 0;
+    QHash<QByteArray, sqlite3_stmt *> m_idle;
+};
+
+// Never destroyed: a result still open as the program ends gives its statement back to it.
+StatementCache &statementCache()
+{
+    static auto *cache = new StatementCache;
+    return *cache;
+}
+
 // Rows read straight from the embedded engine, each field converted only when it is read.
 class SqliteSource : public RecordSource
 {
 public:
-    explicit SqliteSource(sqlite3_stmt *statement)
+    // A statement from the cache goes back there under its shape when its rows are done with;
+    // any other (no shape) is finalized.
+    SqliteSource(sqlite3_stmt *statement, QByteArray shape)
         : m_statement(statement)
+        , m_shape(std::move(shape))
+        , m_generation(statementCache().generation())
     {
         const int columns = sqlite3_column_count(statement);
         m_names.reserve(columns);
         for (int i = 0; i < columns; ++i)
             m_names.append(QString::fromUtf8(sqlite3_column_name(statement, i)));
     }
-    ~SqliteSource() override { sqlite3_finalize(m_statement); }
+    ~SqliteSource() override
+    {
+        if (m_shape.isEmpty())
+            sqlite3_finalize(m_statement);
+        else
+            statementCache().giveBack(m_shape, m_statement, m_generation);
+    }
 
     // The first step has been taken by the runner.
     void setFirstStep(int result) { m_pending = result; }
@@ -86,6 +168,8 @@ public:
 
 private:
     sqlite3_stmt *m_statement;
+    QByteArray m_shape;
+    quint64 m_generation;
     QStringList m_names;
     int m_pending = -1;
     bool m_done = false;
@@ -142,117 +226,85 @@ bool onlyBlanks(const char *text, const char *end)
     return true;
 }
 
-// An INSERT of literal values ("INSERT INTO T VALUES (1, 'a', NULL)") runs as a statement of
-// the same shape with the values bound, prepared once per shape and kept: an import stores
-// hundreds of thousands of lines, and parsing each statement anew costs more than storing it.
-// The values bound are the values the literals stand for, so what is stored is the same.
-class InsertCache
-{
-public:
-    ~InsertCache() { clear(); }
+// A literal value of a statement: what the engine reads it as, and its text.
+struct Literal {
+    enum Kind { Text, Integer, Real, Null } kind = Text;
+    QByteArrayView text; // within the statement, apostrophes still doubled in a quoted text
+    bool doubled = false; // a quoted text with doubled apostrophes
 
-    void clear()
+    QByteArray unquoted() const
     {
-        for (sqlite3_stmt *statement : std::as_const(m_statements))
-            sqlite3_finalize(statement);
-        m_statements.clear();
-        m_connection = nullptr;
+        QByteArray value = text.toByteArray();
+        return doubled ? value.replace("''", "'") : value;
     }
-
-    // The statement of the shape, prepared; nullptr when the engine will not prepare it
-    // (the full text then runs as it stands and says why).
-    sqlite3_stmt *statement(sqlite3 *connection, const QByteArray &shape)
-    {
-        if (connection != m_connection) {
-            clear();
-            m_connection = connection;
-        }
-        if (sqlite3_stmt *found = m_statements.value(shape))
-            return found;
-        sqlite3_stmt *statement = nullptr;
-        const char *tail = nullptr;
-        if (sqlite3_prepare_v3(connection, shape.constData(), int(shape.size()), SQLITE_PREPARE_PERSISTENT,
-                               &statement, &tail) != SQLITE_OK ||
-            !statement || (tail && *tail)) {
-            sqlite3_finalize(statement);
-            return nullptr;
-        }
-        m_statements.insert(shape, statement);
-        return statement;
-    }
-
-private:
-    sqlite3 *m_connection = nullptr;
-    QHash<QByteArray, sqlite3_stmt *> m_statements;
 };
 
-InsertCache &insertCache()
+using Literals = QVarLengthArray<Literal, 16>;
+
+bool isNamePart(char c)
 {
-    static InsertCache cache;
-    return cache;
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
 }
 
-struct Literal {
-    enum Kind { Text, Integer, Real, Null } kind;
-    QByteArray text;
-};
-
 // The shape and literal values of "INSERT INTO name VALUES (v, ...)" with nothing after it but
-// blanks; false for any other statement.
-bool splitInsert(const QByteArray &sql, QByteArray &shape, QList<Literal> &values)
+// blanks; false for any other statement. The values bound in the shape are the values the
+// literals stand for, so what is stored is the same.
+bool splitInsert(const QByteArray &sql, QByteArray &shape, Literals &values)
 {
-    static const QByteArray head = QByteArrayLiteral("INSERT INTO ");
-    if (!sql.startsWith(head))
+    constexpr QByteArrayView head("INSERT INTO ");
+    constexpr QByteArrayView valuesWord(" VALUES (");
+    const QByteArrayView text(sql);
+    if (!text.startsWith(head))
         return false;
     qsizetype i = head.size();
-    const qsizetype n = sql.size();
-    while (i < n && (std::isalnum(static_cast<unsigned char>(sql[i])) || sql[i] == '_'))
+    const qsizetype n = text.size();
+    while (i < n && isNamePart(text[i]))
         ++i;
-    static const QByteArray values_ = QByteArrayLiteral(" VALUES (");
-    if (i == head.size() || sql.mid(i, values_.size()) != values_)
+    if (i == head.size() || !text.sliced(i).startsWith(valuesWord))
         return false;
-    i += values_.size();
+    i += valuesWord.size();
+    shape.reserve(i + 64);
     shape = sql.left(i);
     const auto blanks = [&] {
-        while (i < n && sql[i] == ' ')
+        while (i < n && text[i] == ' ')
             ++i;
     };
     for (;;) {
         blanks();
         if (i >= n)
             return false;
-        Literal value{Literal::Text, {}};
-        if (sql[i] == '\'') {
-            for (++i;; ++i) {
-                if (i >= n)
+        Literal value;
+        if (text[i] == '\'') {
+            const qsizetype from = ++i;
+            for (;; ++i) {
+                i = text.indexOf('\'', i);
+                if (i < 0)
                     return false;
-                if (sql[i] == '\'') {
-                    if (i + 1 < n && sql[i + 1] == '\'') {
-                        value.text += '\'';
-                        ++i;
-                        continue;
-                    }
+                if (i + 1 < n && text[i + 1] == '\'') {
+                    value.doubled = true;
                     ++i;
-                    break;
+                    continue;
                 }
-                value.text += sql[i];
+                break;
             }
+            value.text = text.sliced(from, i - from);
+            ++i;
         } else {
             const qsizetype from = i;
-            if (sql[i] == '-' || sql[i] == '+')
+            if (text[i] == '-' || text[i] == '+')
                 ++i;
             qsizetype digits = 0;
-            while (i < n && std::isdigit(static_cast<unsigned char>(sql[i])))
+            while (i < n && std::isdigit(static_cast<unsigned char>(text[i])))
                 ++i, ++digits;
             value.kind = Literal::Integer;
-            if (i < n && sql[i] == '.') {
+            if (i < n && text[i] == '.') {
                 value.kind = Literal::Real;
-                for (++i; i < n && std::isdigit(static_cast<unsigned char>(sql[i]));)
+                for (++i; i < n && std::isdigit(static_cast<unsigned char>(text[i]));)
                     ++i, ++digits;
             }
-            value.text = sql.mid(from, i - from);
+            value.text = text.sliced(from, i - from);
             if (digits == 0) {
-                if (sql.mid(from, 4).toUpper() != "NULL")
+                if (text.sliced(from).first(std::min<qsizetype>(4, n - from)).compare("NULL", Qt::CaseInsensitive) != 0)
                     return false;
                 i = from + 4;
                 value.kind = Literal::Null;
@@ -263,11 +315,11 @@ bool splitInsert(const QByteArray &sql, QByteArray &shape, QList<Literal> &value
         values.append(value);
         shape += values.size() == 1 ? "?" : ", ?";
         blanks();
-        if (i < n && sql[i] == ',') {
+        if (i < n && text[i] == ',') {
             ++i;
             continue;
         }
-        if (i < n && sql[i] == ')') {
+        if (i < n && text[i] == ')') {
             ++i;
             break;
         }
@@ -277,22 +329,57 @@ bool splitInsert(const QByteArray &sql, QByteArray &shape, QList<Literal> &value
     return onlyBlanks(sql.constData() + i, sql.constData() + n);
 }
 
-// Runs the INSERT through the cache; false when it is none or its shape will not prepare (it
-// then runs as it stands).
-bool runCachedInsert(sqlite3 *connection, const QByteArray &sql, StatementError *error)
+// The shape of a query with no quoted text and at most one number, which compares a column in
+// its WHERE clause with a whole number ("SELECT * FROM RECIPE WHERE ID = 12"): that number is
+// taken out as a value. The recipe read back after every save and the next free identifier are
+// such queries. false for any other statement, which is not kept.
+bool splitQuery(const QByteArray &sql, QByteArray &shape, Literals &values)
 {
-    QByteArray shape;
-    QList<Literal> values;
-    if (!splitInsert(sql, shape, values))
+    const QByteArrayView text(sql);
+    if (!text.startsWith("SELECT ") || text.contains('\'') || text.contains('"') || text.contains(';') ||
+        text.contains("--") || text.contains("/*"))
         return false;
-    sqlite3_stmt *statement = insertCache().statement(connection, shape);
-    if (!statement)
+    qsizetype number = -1;
+    qsizetype end = -1;
+    const qsizetype n = text.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        if (!std::isdigit(static_cast<unsigned char>(text[i])) || (i > 0 && (isNamePart(text[i - 1]) || text[i - 1] == '.')))
+            continue;
+        if (number >= 0)
+            return false;
+        number = i;
+        for (end = i; end < n && std::isdigit(static_cast<unsigned char>(text[end]));)
+            ++end;
+        i = end;
+    }
+    if (number < 0) {
+        shape = sql;
+        return true;
+    }
+    // The number stands alone after a comparison, in a WHERE clause: the result's column names
+    // (which are written before the first FROM) stay as they are.
+    const qsizetype from = text.indexOf(" FROM ");
+    const qsizetype where = text.indexOf(" WHERE ");
+    if (end - number > 18 || number < 2 || text.sliced(number - 2, 2) != "= " || (end < n && text[end] != ' ') ||
+        from < 0 || where < from || number < where || text.first(from).contains('('))
         return false;
+    values.append({Literal::Integer, text.sliced(number, end - number), false});
+    shape = sql.left(number) + '?' + sql.mid(end);
+    return true;
+}
+
+void bind(sqlite3_stmt *statement, const Literals &values)
+{
     for (int k = 0; k < int(values.size()); ++k) {
         const Literal &value = values[k];
         switch (value.kind) {
         case Literal::Text:
-            sqlite3_bind_text(statement, k + 1, value.text.constData(), int(value.text.size()), SQLITE_TRANSIENT);
+            if (value.doubled) {
+                const QByteArray unquoted = value.unquoted();
+                sqlite3_bind_text(statement, k + 1, unquoted.constData(), int(unquoted.size()), SQLITE_TRANSIENT);
+            } else {
+                sqlite3_bind_text(statement, k + 1, value.text.data(), int(value.text.size()), SQLITE_TRANSIENT);
+            }
             break;
         case Literal::Integer:
             sqlite3_bind_int64(statement, k + 1, value.text.toLongLong());
@@ -305,22 +392,46 @@ bool runCachedInsert(sqlite3 *connection, const QByteArray &sql, StatementError 
             break;
         }
     }
+}
+
+// The first step of a prepared statement: its rows, none, or the failure.
+Recordset firstStep(sqlite3 *connection, sqlite3_stmt *statement, const QByteArray &shape, StatementError *error)
+{
+    const auto done = [&] {
+        if (shape.isEmpty())
+            sqlite3_finalize(statement);
+        else
+            statementCache().giveBack(shape, statement, statementCache().generation());
+    };
     const int result = sqlite3_step(statement);
-    if (result != SQLITE_DONE && result != SQLITE_ROW)
-        fail(error, connection, sqlite3_extended_errcode(connection), false);
-    sqlite3_reset(statement);
-    sqlite3_clear_bindings(statement);
-    return true;
+    if (result != SQLITE_ROW && result != SQLITE_DONE) {
+        Recordset failed = fail(error, connection, sqlite3_extended_errcode(connection), false);
+        done();
+        return failed;
+    }
+    if (sqlite3_column_count(statement) == 0) {
+        done();
+        return {};
+    }
+    auto source = std::make_shared<SqliteSource>(statement, shape);
+    source->setFirstStep(result);
+    return Recordset(source);
 }
 
 Recordset runOnSqlite(sqlite3 *connection, const QString &sql, StatementError *error)
 {
     const QByteArray utf8 = sql.toUtf8();
-    if (runCachedInsert(connection, utf8, error))
-        return {};
+    QByteArray shape;
+    Literals values;
+    if (splitInsert(utf8, shape, values) || (values.clear(), splitQuery(utf8, shape, values))) {
+        if (sqlite3_stmt *statement = statementCache().take(connection, shape)) {
+            bind(statement, values);
+            return firstStep(connection, statement, shape, error);
+        }
+    }
     sqlite3_stmt *statement = nullptr;
     const char *tail = nullptr;
-    int result = sqlite3_prepare_v2(connection, utf8.constData(), int(utf8.size()), &statement, &tail);
+    const int result = sqlite3_prepare_v2(connection, utf8.constData(), int(utf8.size()), &statement, &tail);
     if (result != SQLITE_OK) {
         sqlite3_finalize(statement);
         return fail(error, connection, sqlite3_extended_errcode(connection), true);
@@ -335,20 +446,7 @@ Recordset runOnSqlite(sqlite3 *connection, const QString &sql, StatementError *e
         error->description = kTextAfterTheEnd;
         return {};
     }
-    result = sqlite3_step(statement);
-    if (result != SQLITE_ROW && result != SQLITE_DONE) {
-        const int code = sqlite3_extended_errcode(connection);
-        Recordset failed = fail(error, connection, code, false);
-        sqlite3_finalize(statement);
-        return failed;
-    }
-    if (sqlite3_column_count(statement) == 0) {
-        sqlite3_finalize(statement);
-        return {};
-    }
-    auto source = std::make_shared<SqliteSource>(statement);
-    source->setFirstStep(result);
-    return Recordset(source);
+    return firstStep(connection, statement, {}, error);
 }
 
 Recordset failQuery(StatementError *error, const QSqlError &e, bool commandText)
@@ -447,7 +545,7 @@ Recordset runOnQt(QSqlDatabase &db, const QString &sql, StatementError *error)
 
 void ReleaseCachedStatements()
 {
-    insertCache().clear();
+    statementCache().clear();
 }
 
 Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error, bool insideBatch)
