@@ -10,31 +10,33 @@ QString q(const QString &text)
     return QStringLiteral("', '") + text;
 }
 
-struct NamedText {
-    QString name; // as the user knows the field
-    QString text;
-};
-
-// Every text the recipe stores, named for a message, in the order the statements store them.
-QList<NamedText> storedTexts(const RecipeData &r)
+// Every text the recipe stores, in the order the statements store them.
+QList<const QString *> storedTexts(const RecipeData &r)
 {
-    QList<NamedText> texts{{QStringLiteral("The servings"), r.servings},
-                           {QStringLiteral("The category"), r.category},
-                           {QStringLiteral("The title"), r.title},
-                           {QStringLiteral("The preparation time"), r.prepTime},
-                           {QStringLiteral("The cooking time"), r.cookTime},
-                           {QStringLiteral("The notes"), r.notes},
-                           {QStringLiteral("The rating"), r.rating}};
-    for (const IngredientLine &line : r.ingredients) {
-        const QString of = QStringLiteral(" of ingredient line ") + line.number;
-        texts.append({QStringLiteral("The amount") + of, line.amount});
-        texts.append({QStringLiteral("The measure") + of, line.measure});
-        texts.append({QStringLiteral("The ingredient") + of, line.ingredient});
-        texts.append({QStringLiteral("The cabinet name") + of, line.cabinet});
-    }
+    QList<const QString *> texts{&r.servings, &r.category, &r.title, &r.prepTime, &r.cookTime, &r.notes, &r.rating};
+    texts.reserve(texts.size() + 4 * r.ingredients.size() + r.directions.size());
+    for (const IngredientLine &line : r.ingredients)
+        texts << &line.amount << &line.measure << &line.ingredient << &line.cabinet;
     for (const DirectionLine &line : r.directions)
-        texts.append({QStringLiteral("Direction ") + line.step, line.direction});
+        texts << &line.direction;
     return texts;
+}
+
+// The stored text at position k of storedTexts, named as the user knows the field.
+QString storedTextName(const RecipeData &r, qsizetype k)
+{
+    static const QStringList fields{QStringLiteral("The servings"), QStringLiteral("The category"),
+                                    QStringLiteral("The title"), QStringLiteral("The preparation time"),
+                                    QStringLiteral("The cooking time"), QStringLiteral("The notes"),
+                                    QStringLiteral("The rating")};
+    static const QStringList lineFields{QStringLiteral("The amount"), QStringLiteral("The measure"),
+                                        QStringLiteral("The ingredient"), QStringLiteral("The cabinet name")};
+    if (k < fields.size())
+        return fields[k];
+    k -= fields.size();
+    if (k < 4 * r.ingredients.size())
+        return lineFields[k % 4] + QStringLiteral(" of ingredient line ") + r.ingredients[k / 4].number;
+    return QStringLiteral("Direction ") + r.directions[k - 4 * r.ingredients.size()].step;
 }
 
 // The line numbers as the database keeps them: whole numbers.
@@ -65,11 +67,12 @@ QString difference(const RecipeData &meant, const RecipeData &stored)
     if (lineNumbers(stored) != lineNumbers(meant))
         return QStringLiteral("The ingredient lines or directions were not stored as they stand on screen, so "
                               "nothing was saved.");
-    const QList<NamedText> want = storedTexts(meant);
-    const QList<NamedText> got = storedTexts(stored);
+    const QList<const QString *> want = storedTexts(meant);
+    const QList<const QString *> got = storedTexts(stored);
     for (qsizetype i = 0; i < want.size(); ++i) {
-        if (want[i].text != got[i].text)
-            return want[i].name + QStringLiteral(" would not be stored as it stands on screen, so nothing was saved.");
+        if (*want[i] != *got[i])
+            return storedTextName(meant, i) +
+                   QStringLiteral(" would not be stored as it stands on screen, so nothing was saved.");
     }
     return {};
 }
@@ -78,10 +81,11 @@ QString difference(const RecipeData &meant, const RecipeData &stored)
 
 QString UnstorableText(const RecipeData &recipe)
 {
-    for (const NamedText &field : storedTexts(recipe)) {
-        if (const qsizetype k = DelimiterApostropheIn(field.text); k >= 0) {
-            return field.name + QStringLiteral(" cannot be stored as it stands: the apostrophe in \"") +
-                   excerpt(field.text, k) +
+    const QList<const QString *> texts = storedTexts(recipe);
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        if (const qsizetype k = DelimiterApostropheIn(*texts[i]); k >= 0) {
+            return storedTextName(recipe, i) + QStringLiteral(" cannot be stored as it stands: the apostrophe in \"") +
+                   excerpt(*texts[i], k) +
                    QStringLiteral("\" touches a comma or a parenthesis and would end the text there. "
                                   "Change the text around that apostrophe and save again.");
         }
@@ -164,16 +168,24 @@ RecipeData LoadRecipe(qint32 id)
     }
     gSQL = QStringLiteral("SELECT * FROM INGREDIENTS WHERE recipe_id = ") + number +
            QStringLiteral(" ORDER BY ingred_id");
-    for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {
-        recipe.ingredients.append({Format(rs.value(QStringLiteral("ingred_id")).toLongLong(), QStringLiteral("00")),
-                                   rs.text(QStringLiteral("amount")), rs.text(QStringLiteral("measure")),
-                                   rs.text(QStringLiteral("ingredient")), rs.text(QStringLiteral("cabinet"))});
+    if (Recordset rs = ExecuteSQL(gSQL); rs) {
+        const int number = rs.columnIndex(QStringLiteral("ingred_id"));
+        const int amount = rs.columnIndex(QStringLiteral("amount"));
+        const int measure = rs.columnIndex(QStringLiteral("measure"));
+        const int ingredient = rs.columnIndex(QStringLiteral("ingredient"));
+        const int cabinet = rs.columnIndex(QStringLiteral("cabinet"));
+        for (; !rs.eof(); rs.MoveNext()) {
+            recipe.ingredients.append({Format(rs.value(number).toLongLong(), QStringLiteral("00")), rs.text(amount),
+                                       rs.text(measure), rs.text(ingredient), rs.text(cabinet)});
+        }
     }
     gSQL = QStringLiteral("SELECT * FROM DIRECTIONS WHERE recipe_id = ") + number +
            QStringLiteral(" ORDER BY step");
-    for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {
-        recipe.directions.append({Format(rs.value(QStringLiteral("step")).toLongLong(), QStringLiteral("00")),
-                                  rs.text(QStringLiteral("direction"))});
+    if (Recordset rs = ExecuteSQL(gSQL); rs) {
+        const int step = rs.columnIndex(QStringLiteral("step"));
+        const int direction = rs.columnIndex(QStringLiteral("direction"));
+        for (; !rs.eof(); rs.MoveNext())
+            recipe.directions.append({Format(rs.value(step).toLongLong(), QStringLiteral("00")), rs.text(direction)});
     }
     return recipe;
 }
