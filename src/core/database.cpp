@@ -325,12 +325,14 @@ StatementBatch::StatementBatch()
             if (m_active)
                 QSqlQuery(gConn()).exec(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(kWriterLock));
         } else {
-            m_active = QSqlQuery(gConn()).exec(QStringLiteral("BEGIN IMMEDIATE"));
+            QSqlDatabase db = gConn();
+            m_active = RunControlStatement(db, QStringLiteral("BEGIN IMMEDIATE"));
         }
     } else {
         // Inside another batch: a savepoint, so that this one can fail alone.
         m_savepoint = QStringLiteral("batch") + QString::number(g_batchDepth);
-        m_active = QSqlQuery(gConn()).exec(QStringLiteral("SAVEPOINT ") + m_savepoint);
+        QSqlDatabase db = gConn();
+        m_active = RunControlStatement(db, QStringLiteral("SAVEPOINT ") + m_savepoint);
     }
     if (m_active)
         ++g_batchDepth;
@@ -342,10 +344,10 @@ StatementBatch::~StatementBatch()
         return;
     --g_batchDepth;
     if (!m_savepoint.isEmpty()) {
-        QSqlQuery query(gConn());
+        QSqlDatabase db = gConn();
         if (m_failed)
-            query.exec(QStringLiteral("ROLLBACK TO ") + m_savepoint);
-        query.exec(QStringLiteral("RELEASE ") + m_savepoint);
+            RunControlStatement(db, QStringLiteral("ROLLBACK TO ") + m_savepoint);
+        RunControlStatement(db, QStringLiteral("RELEASE ") + m_savepoint);
     } else if (m_failed) {
         gConn().rollback();
     } else {

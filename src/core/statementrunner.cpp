@@ -548,6 +548,20 @@ void ReleaseCachedStatements()
     statementCache().clear();
 }
 
+bool RunControlStatement(QSqlDatabase &db, const QString &sql)
+{
+    sqlite3 *connection = sqliteHandle(db);
+    if (!connection)
+        return QSqlQuery(db).exec(sql);
+    const QByteArray text = sql.toUtf8();
+    sqlite3_stmt *statement = statementCache().take(connection, text);
+    if (!statement)
+        return false;
+    const int result = sqlite3_step(statement);
+    statementCache().giveBack(text, statement, statementCache().generation());
+    return result == SQLITE_DONE;
+}
+
 Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error, bool insideBatch)
 {
     if (sqlite3 *connection = sqliteHandle(db))

@@ -16,5 +16,8 @@ struct StatementError {
 // statement answers no result. On failure the error says why and the result is empty.
 // insideBatch: a transaction is open, which a failing statement must leave usable.
 Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error, bool insideBatch = false);
+// Runs one of the program's own statements that steer the connection (BEGIN, SAVEPOINT,
+// RELEASE, ROLLBACK TO); true when it ran. Every save runs a few of them.
+bool RunControlStatement(QSqlDatabase &db, const QString &sql);
 // Lets go of the statements kept for reuse; before the connection closes.
 void ReleaseCachedStatements();
