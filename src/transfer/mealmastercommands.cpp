@@ -1,6 +1,7 @@
 #include "mealmastercommands.h"
 
 #include "mealmaster.h"
+#include "mealmasterfeed.h"
 
 #include "core/atomicfile.h"
 #include "core/controls.h"
@@ -62,14 +63,15 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         source.seek(from);
         return source.read(to - from);
     };
-    MealMasterReader reader(file, codes);
+    MealMasterFeed feed(file, codes);
     MealMasterRecipe read;
+    qint64 position = 0;
     bool goOn = true;
     {
         // One commit for the file: a recipe that fails is rolled back alone (a batch of its own
         // inside this one).
         StatementBatch batch;
-        for (int number = 1; reader.next(read); ++number) {
+        for (int number = 1; feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
                 if (!StoreRecipe(read.recipe, 0, false, &problem) && problem.isEmpty())
@@ -87,7 +89,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
                 if (!rejected.endsWith('\n'))
                     rejected += '\n';
             }
-            ShowStatusStep(message, int(1000 * reader.position() / size));
+            ShowStatusStep(message, int(1000 * position / size));
             if (cancel.requested()) {
                 goOn = false;
                 break;

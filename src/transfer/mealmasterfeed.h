@@ -1,0 +1,43 @@
+#pragma once
+// A MealMaster file's recipes read in a thread of their own, a few ahead of the import that
+// stores them: the next recipes are parsed while the database stores the last.
+
+#include "mealmaster.h"
+
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <mutex>
+#include <thread>
+
+class MealMasterFeed
+{
+public:
+    // The file and the codes must outlast the feed; the feed owns the file's position.
+    MealMasterFeed(QIODevice &file, const MeasureCodes &codes);
+    // Stops the reading, wherever it stands, and waits for it.
+    ~MealMasterFeed();
+    MealMasterFeed(const MealMasterFeed &) = delete;
+    MealMasterFeed &operator=(const MealMasterFeed &) = delete;
+
+    // The next recipe, and how far the reading had come with it (in bytes); false at the end
+    // of the file. What failed in the reading fails here.
+    bool next(MealMasterRecipe &out, qint64 &position);
+
+private:
+    struct Read {
+        MealMasterRecipe recipe;
+        qint64 position = 0;
+    };
+    void read(QIODevice &file, const MeasureCodes &codes);
+
+    // Enough to keep the storing busy, little enough to hold in memory whatever the file.
+    static constexpr std::size_t kMostAhead = 64;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<Read> m_ready;
+    bool m_finished = false; // the reading has come to the end, or failed
+    bool m_stop = false;     // the import wants no more
+    std::exception_ptr m_failure;
+    std::thread m_reader;
+};
