@@ -130,6 +130,21 @@ double toDouble(const NumberScan &scan)
 
 double Val(const QString &text)
 {
+    // Most texts read are plain whole numbers (line numbers, identifiers): those are read
+    // straight away, exactly as the general reading would.
+    if (!text.isEmpty() && text.size() <= 15) {
+        qint64 value = 0;
+        bool plain = true;
+        for (const QChar c : text) {
+            if (c < u'0' || c > u'9') {
+                plain = false;
+                break;
+            }
+            value = value * 10 + (c.unicode() - u'0');
+        }
+        if (plain)
+            return double(value);
+    }
     return toDouble(scanNumber(text));
 }
 
