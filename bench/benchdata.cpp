@@ -8,6 +8,8 @@
 #include "core/schema.h"
 
 #include <QCoreApplication>
+#include <QEvent>
+#include <QWidget>
 #include <QTemporaryDir>
 
 #include <QFile>
@@ -184,4 +186,40 @@ double TimedMs(const std::function<void()> &work)
     timer.start();
     work();
     return timer.nsecsElapsed() / 1e6;
+}
+
+namespace {
+
+// Counts the paintings of a widget.
+class PaintCount : public QObject
+{
+public:
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint;
+        return false;
+    }
+};
+
+} // namespace
+
+void PaintWithoutFrameDelay()
+{
+    qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+}
+
+void RunUntilPainted(QWidget *widget, const std::function<void()> &action)
+{
+    PaintCount painted;
+    widget->installEventFilter(&painted);
+    action();
+    for (int round = 0; painted.count == 0 && round < 1000; ++round)
+        QCoreApplication::processEvents();
+    widget->removeEventFilter(&painted);
+    if (painted.count == 0)
+        qFatal("the window was not painted");
+    QCoreApplication::processEvents();
 }

@@ -3,6 +3,8 @@
 
 #include <QString>
 
+class QWidget;
+
 #include <functional>
 #include <memory>
 
@@ -30,3 +32,10 @@ void PrintFigure(const char *name, double value, const char *unit, const char *g
 double TimedMs(const std::function<void()> &work);
 // The median of a list of samples.
 double Median(QList<double> samples);
+
+// Lets the platform paint as soon as the event queue is empty instead of on its next frame;
+// before the application is made. A click is then timed until what it changed stands painted.
+void PaintWithoutFrameDelay();
+// Runs the action (a click), then the event loop until the widget has been painted and no
+// event is left: what the user waits for.
+void RunUntilPainted(QWidget *widget, const std::function<void()> &action);
