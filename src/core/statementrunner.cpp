@@ -368,6 +368,15 @@ bool splitQuery(const QByteArray &sql, QByteArray &shape, Literals &values)
     return true;
 }
 
+// The shape and values of a statement that is kept prepared; false for one that is not.
+bool splitKept(const QByteArray &sql, QByteArray &shape, Literals &values)
+{
+    if (splitInsert(sql, shape, values))
+        return true;
+    values.clear();
+    return splitQuery(sql, shape, values);
+}
+
 void bind(sqlite3_stmt *statement, const Literals &values)
 {
     for (int k = 0; k < int(values.size()); ++k) {
@@ -423,7 +432,7 @@ Recordset runOnSqlite(sqlite3 *connection, const QString &sql, StatementError *e
     const QByteArray utf8 = sql.toUtf8();
     QByteArray shape;
     Literals values;
-    if (splitInsert(utf8, shape, values) || (values.clear(), splitQuery(utf8, shape, values))) {
+    if (splitKept(utf8, shape, values)) {
         if (sqlite3_stmt *statement = statementCache().take(connection, shape)) {
             bind(statement, values);
             return firstStep(connection, statement, shape, error);
