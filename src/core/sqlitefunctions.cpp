@@ -168,13 +168,13 @@ void like(sqlite3_context *context, int argc, sqlite3_value **argv)
     // X LIKE Y arrives as like(Y, X): the pattern first.
     const auto *pattern = sqlite3_value_text(argv[0]);
     const int patternBytes = sqlite3_value_bytes(argv[0]);
-    // The engine's own limit on patterns, and its own answer.
-    if (patternBytes > sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1)) {
-        sqlite3_result_error(context, "LIKE or GLOB pattern too complex", -1);
-        return;
-    }
     auto *prepared = static_cast<PreparedPattern *>(sqlite3_get_auxdata(context, 0));
     if (!prepared) {
+        // The engine's own limit on patterns, and its own answer.
+        if (patternBytes > sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1)) {
+            sqlite3_result_error(context, "LIKE or GLOB pattern too complex", -1);
+            return;
+        }
         prepared = new PreparedPattern;
         if (isAscii(pattern, patternBytes)) {
             std::basic_string<unsigned char> folded(pattern, size_t(patternBytes));
@@ -192,14 +192,22 @@ void like(sqlite3_context *context, int argc, sqlite3_value **argv)
     }
     const auto *text = sqlite3_value_text(argv[1]);
     const int textBytes = sqlite3_value_bytes(argv[1]);
-    bool matched;
-    if (prepared->ascii && isAscii(text, textBytes)) {
+    bool matched = false;
+    bool ascii = false;
+    if (prepared->ascii) {
+        // Folded and looked over for other letters in one pass.
         thread_local std::basic_string<unsigned char> folded;
-        folded.assign(text, size_t(textBytes));
-        for (unsigned char &c : folded)
-            c = static_cast<unsigned char>(upperAscii(c));
-        matched = prepared->ascii->matches(folded.data(), folded.data() + folded.size());
-    } else {
+        folded.resize(size_t(textBytes));
+        unsigned char seen = 0;
+        for (int i = 0; i < textBytes; ++i) {
+            seen |= text[i];
+            folded[size_t(i)] = static_cast<unsigned char>(upperAscii(text[i]));
+        }
+        ascii = seen < 0x80;
+        if (ascii)
+            matched = prepared->ascii->matches(folded.data(), folded.data() + folded.size());
+    }
+    if (!ascii) {
         if (!prepared->unicode)
             prepared->unicode.emplace(foldUnicode(pattern, patternBytes));
         const std::u16string folded = foldUnicode(text, textBytes);
