@@ -76,6 +76,8 @@ void writeRecipes()
         if (!StoreRecipe(r, id, false))
             qFatal("cannot save recipe %d", id);
     }
+    if (!batch.commit())
+        qFatal("cannot commit the recipes");
 }
 
 // In the child: the program started, one kind of search timed first and then again.

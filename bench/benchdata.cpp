@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 
 #include "core/database.h"
+#include "core/dbvoicewindows.h"
 #include "core/datasources.h"
 #include "core/msgbox.h"
 #include "core/schema.h"
@@ -152,6 +153,7 @@ BenchHome::BenchHome(int recipes)
     if (!OpenDatabase())
         qFatal("cannot open the benchmark database");
     SetResponder(&d->yes);
+    InstallWindowDatabaseVoice();
 }
 
 BenchHome::~BenchHome()

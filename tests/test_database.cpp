@@ -142,6 +142,7 @@ private Q_SLOTS:
             StatementBatch batch;
             for (int id = 1; id <= 400; ++id)
                 ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('item %1', 'F', 0)").arg(id));
+            QVERIFY(batch.commit());
         }
         int read = 0;
         for (Recordset rs = ExecuteSQL("SELECT * FROM CABINET"); rs && !rs.eof(); rs.MoveNext()) {

@@ -113,6 +113,7 @@ private Q_SLOTS:
                 StoreTestRecipe(TestRecipe(QStringLiteral("Stew %1").arg(id), {"1|cup|Beans, soaked|beans", "2|lb|Beef|beef"},
                                            {QString(300, u's'), QString(300, u't')}),
                                 id);
+            QVERIFY(batch.commit());
         }
         const QString before = Describe(LoadRecipe(777));
         QVERIFY2(DatabaseScatter() > 0.3, qPrintable(QString::number(DatabaseScatter())));

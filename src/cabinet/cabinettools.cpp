@@ -131,7 +131,9 @@ void RefreshCabinet()
 {
     if (!startTool(kRefreshQuestion, QStringLiteral("Information")))
         return;
-    runTool(QStringLiteral("Refreshing cabinet..."), QStringLiteral("added"), [](ProgressCounter &progress, QStringList &passedOver) {
+    bool kept = true;
+    runTool(QStringLiteral("Refreshing cabinet..."), QStringLiteral("added"),
+            [&kept](ProgressCounter &progress, QStringList &passedOver) {
         // Only the pairs not yet in the cabinet are inserted: an existing pair would fail as a
         // duplicate, once for every item the household already has.
         QSet<QString> present;
@@ -149,6 +151,11 @@ void RefreshCabinet()
             }
         }
         StatementBatch batch; // one commit for all the new items
+        if (!batch.begun()) {
+            batch.reportFailure();
+            kept = false;
+            return;
+        }
         for (const auto &[cabinet, type] : missing) {
             gSQL = QStringLiteral("INSERT INTO CABINET VALUES ('") + cabinet + QStringLiteral("', '") + type +
                    QStringLiteral("', 0)");
@@ -156,8 +163,13 @@ void RefreshCabinet()
                 passedOver.append(cabinet);
             progress.advance();
         }
+        if (!batch.commit()) {
+            batch.reportFailure();
+            kept = false;
+        }
     });
-    MsgBox(QStringLiteral("The cabinet has been refreshed!"), Msg::Information, QStringLiteral("Confirmation"));
+    if (kept)
+        MsgBox(QStringLiteral("The cabinet has been refreshed!"), Msg::Information, QStringLiteral("Confirmation"));
 }
 
 void RepairCabinet()

@@ -235,6 +235,10 @@ void frmCabinet::cmdSave_Click()
     {
         WaitCursor busy;
         StatementBatch batch; // one commit for the whole list
+        if (!batch.begun()) {
+            batch.reportFailure();
+            return;
+        }
         for (int i = 0; i < lvwCabinet->topLevelItemCount(); ++i) {
             const QTreeWidgetItem *item = lvwCabinet->topLevelItem(i);
             gSQL = QStringLiteral("UPDATE CABINET SET available = ") +
@@ -243,6 +247,10 @@ void frmCabinet::cmdSave_Click()
                    u'\'';
             if (ExecuteSQL(gSQL).failed())
                 notSaved.append(item->text(0));
+        }
+        if (!batch.commit()) {
+            batch.reportFailure();
+            return; // the ticks stay as the user set them, still to be saved
         }
     }
     m_changed = false;

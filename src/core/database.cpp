@@ -1,6 +1,7 @@
 #include "database.h"
 
 #include "datasources.h"
+#include "dbvoice.h"
 #include "modini.h"
 #include "msgbox.h"
 #include "platform.h"
@@ -9,6 +10,7 @@
 #include "sqlitefunctions.h"
 #include "statementrunner.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -25,8 +27,15 @@ qint16 gMaxRecipeID = 0;
 namespace {
 
 int g_batchDepth = 0; // batches open inside one another
+// The first failure inside the open batch that no statement can help (a full disk, a lost
+// server): the batch cannot be kept, and says why once, not once per statement.
+StatementError g_trouble;
 // The server-wide lock the writers of one collection take turns on ("MIRE" in ASCII).
 constexpr qint64 kWriterLock = 0x4d495245;
+// A statement waits briefly for another program's lock; a batch waits up to kLockWaitMs, in
+// steps, with the progress window telling why.
+constexpr int kStatementLockWaitMs = 2000;
+constexpr int kLockStepMs = 250;
 
 bool onServer(const QSqlDatabase &db)
 {
@@ -96,6 +105,7 @@ void prepareConnection(QSqlDatabase &db)
     setup.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
     // A recipe stored inside a larger batch keeps its way back in memory, not in a temporary file.
     setup.exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
+    SetLockWait(db, kStatementLockWaitMs);
 }
 
 // The database as the household knows it: the file, or the database on its server.
@@ -246,6 +256,10 @@ QString PrepareSQL(QString &sql)
 Recordset ExecuteSQL(QString &sql)
 {
     const QString prepared = PrepareSQL(sql);
+    // After such a failure the engine may have rolled the batch back already: a further
+    // statement would be kept on its own, outside the batch.
+    if (g_trouble.failed && g_batchDepth > 0)
+        return Recordset::failure();
     QSqlDatabase db = gConn();
     StatementError error;
     const SqlEngine engine = onServer(db) ? SqlEngine::Postgres : SqlEngine::Sqlite;
@@ -253,11 +267,20 @@ Recordset ExecuteSQL(QString &sql)
     if (!error.failed)
         return result;
     if (!error.commandText) {
-        // The statement as detail, cut short: a box must stay readable whatever was typed.
+        if (error.cause != StatementError::Other && g_batchDepth > 0) {
+            if (!g_trouble.failed)
+                g_trouble = error;
+            return Recordset::failure();
+        }
+        // What the household can do about it, or the statement as detail, cut short: a box must
+        // stay readable whatever was typed.
         constexpr qsizetype kShown = 600;
-        const QString detail = prepared.size() > kShown ? prepared.left(kShown) + QStringLiteral("...") : prepared;
-        MsgBox(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + detail,
-               Msg::Critical, QStringLiteral("Database Error"));
+        const QString detail = error.cause != StatementError::Other ? PlainFailure(error)
+                               : prepared.size() > kShown       ? prepared.left(kShown) + QStringLiteral("...")
+                                                                : prepared;
+        TheDatabaseVoice().report(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") +
+                                      detail,
+                                  QStringLiteral("Database Error"));
     }
     return Recordset::failure();
 }
@@ -311,46 +334,154 @@ bool ReportNotConnected()
     return true;
 }
 
+namespace {
+
+const QString kNotStored = QStringLiteral("Nothing of this change was stored.");
+const QString kWaitingForLock = QStringLiteral(
+    "Another program is using the recipe database. Waiting for it to finish...");
+
+// Runs one of the batch's own statements; while another program holds the file, tries again
+// for up to kLockWaitMs, the progress window telling the user what the program waits for.
+bool runWaiting(const QString &sql, StatementError &error)
+{
+    QSqlDatabase db = gConn();
+    QElapsedTimer clock;
+    bool ran = false;
+    for (;;) {
+        error = {};
+        ran = RunControlStatement(db, sql, &error);
+        if (ran || error.cause != StatementError::Busy)
+            break;
+        if (!clock.isValid()) {
+            clock.start();
+            SetLockWait(db, kLockStepMs);
+        }
+        if (clock.elapsed() >= kLockWaitMs ||
+            !TheDatabaseVoice().waiting(kWaitingForLock, int(clock.elapsed()), kLockWaitMs))
+            break;
+    }
+    if (clock.isValid()) {
+        SetLockWait(db, kStatementLockWaitMs);
+        TheDatabaseVoice().waitEnded();
+    }
+    return ran;
+}
+
+} // namespace
+
+QString PlainFailure(const StatementError &error)
+{
+    switch (error.cause) {
+    case StatementError::Busy:
+        return QStringLiteral("Another program is using the recipe database (another copy of Mirepan, a database "
+                              "browser). ") +
+               kNotStored + QStringLiteral(" Close the other program and try again.");
+    case StatementError::Full:
+        return QStringLiteral("The disk holding the recipe database is full. ") + kNotStored +
+               QStringLiteral(" Make room on the disk and try again.");
+    case StatementError::ReadOnly:
+        return QStringLiteral("The recipe database is read-only. ") + kNotStored +
+               QStringLiteral(" Check that the file and its folder may be written to.");
+    case StatementError::Disk:
+        return QStringLiteral("The recipe database could not be written to its disk. ") + kNotStored +
+               QStringLiteral(" Check the disk and try again.");
+    case StatementError::Damaged:
+        return QStringLiteral("The recipe database is damaged. ") + kNotStored +
+               QStringLiteral(" Restore it from a backup (Database, Restore).");
+    case StatementError::Unreachable:
+        return QStringLiteral("The recipe collection on its server cannot be reached. ") + kNotStored +
+               QStringLiteral(" Try again when the server is back.");
+    case StatementError::Other:
+        break;
+    }
+    return QStringLiteral("The recipe database refused the change (") + error.description + QStringLiteral("). ") +
+           kNotStored;
+}
+
 StatementBatch::StatementBatch()
 {
     if (gNotConnected)
         return;
+    StatementError error;
     if (g_batchDepth == 0) {
+        g_trouble = {};
         // Writers take turns: a batch that numbers a new recipe (the largest id plus one) and
         // then stores it cannot meet another writer's recipe under the same number. The file
         // database is claimed for writing at the start (waiting while another program writes),
         // a server's collection through a lock of its own; the turn ends with the batch.
-        if (onServer(gConn())) {
-            m_active = gConn().transaction();
+        if (QSqlDatabase db = gConn(); onServer(db)) {
+            m_active = RunControlStatement(db, QStringLiteral("BEGIN"), &error);
             if (m_active)
-                QSqlQuery(gConn()).exec(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(kWriterLock));
+                QSqlQuery(db).exec(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(kWriterLock));
         } else {
-            QSqlDatabase db = gConn();
-            m_active = RunControlStatement(db, QStringLiteral("BEGIN IMMEDIATE"));
+            m_active = runWaiting(QStringLiteral("BEGIN IMMEDIATE"), error);
         }
     } else {
         // Inside another batch: a savepoint, so that this one can fail alone.
         m_savepoint = QStringLiteral("batch") + QString::number(g_batchDepth);
-        QSqlDatabase db = gConn();
-        m_active = RunControlStatement(db, QStringLiteral("SAVEPOINT ") + m_savepoint);
+        m_active = runWaiting(QStringLiteral("SAVEPOINT ") + m_savepoint, error);
     }
     if (m_active)
         ++g_batchDepth;
+    else
+        m_failure = PlainFailure(error);
 }
 
 StatementBatch::~StatementBatch()
 {
-    if (!m_active)
-        return;
+    if (m_active)
+        rollBack();
+}
+
+void StatementBatch::rollBack()
+{
+    m_active = false;
     --g_batchDepth;
+    if (m_failure.isEmpty() && g_trouble.failed)
+        m_failure = PlainFailure(g_trouble);
+    if (g_batchDepth == 0)
+        g_trouble = {};
+    QSqlDatabase db = gConn();
     if (!m_savepoint.isEmpty()) {
-        QSqlDatabase db = gConn();
-        if (m_failed)
-            RunControlStatement(db, QStringLiteral("ROLLBACK TO ") + m_savepoint);
+        RunControlStatement(db, QStringLiteral("ROLLBACK TO ") + m_savepoint);
         RunControlStatement(db, QStringLiteral("RELEASE ") + m_savepoint);
-    } else if (m_failed) {
-        gConn().rollback();
     } else {
-        gConn().commit();
+        // A commit that failed on a full disk may have ended the transaction already; the
+        // rollback then has nothing to do.
+        RunControlStatement(db, QStringLiteral("ROLLBACK"));
     }
+}
+
+bool StatementBatch::commit()
+{
+    if (!m_active)
+        return false;
+    if (m_failed || g_trouble.failed) {
+        rollBack();
+        return false;
+    }
+    StatementError error;
+    const bool kept = m_savepoint.isEmpty() ? runWaiting(QStringLiteral("COMMIT"), error)
+                                            : runWaiting(QStringLiteral("RELEASE ") + m_savepoint, error);
+    if (!kept) {
+        m_failure = PlainFailure(error);
+        rollBack();
+        return false;
+    }
+    m_active = false;
+    --g_batchDepth;
+    return true;
+}
+
+QString StatementBatch::failure() const
+{
+    if (m_failure.isEmpty() && m_active && g_trouble.failed)
+        return PlainFailure(g_trouble);
+    return m_failure;
+}
+
+void StatementBatch::reportFailure() const
+{
+    if (const QString why = failure(); !why.isEmpty())
+        TheDatabaseVoice().report(why, QStringLiteral("Not Saved"));
 }

@@ -7,6 +7,7 @@
 
 #include "datasources.h"
 #include "recordset.h"
+#include "statementrunner.h"
 
 #include <QSqlDatabase>
 #include <QString>
@@ -66,19 +67,43 @@ QString PrepareSearchText(QString &text);
 bool ReportNotConnected();
 
 // Runs several statements as one commit, so that a recipe's dozens of lines are written at
-// once. After fail() nothing of the batch is kept: a recipe is stored whole or not at all.
-// A batch inside another fails alone; what it kept is committed with the outer one.
+// once. Nothing of the batch is kept unless commit() says so: after fail(), a failed commit, or
+// a scope left early, the batch is rolled back and a recipe is stored whole or not at all. A
+// batch inside another fails alone; what it kept is committed with the outer one.
+//
+// The file database is claimed for writing at the start; while another program holds it, the
+// batch waits a bounded time (the progress window tells why) before it gives up.
 class StatementBatch
 {
 public:
     StatementBatch();
     ~StatementBatch();
+    // False when the database could not be claimed: run none of the statements then (they
+    // would each be kept on their own); failure() says why.
+    bool begun() const { return m_active; }
     void fail() { m_failed = true; }
+    // Keeps what the batch stored: true when it is in the database. A failed commit rolls the
+    // batch back and leaves the connection usable for the next command; failure() says why.
+    bool commit();
+    // Why the batch could not begin, store or commit, in the household's words: a statement
+    // that failed for a reason no statement can help (a full disk) fails the whole batch.
+    // "" while nothing of the kind happened.
+    QString failure() const;
+    // Shows failure() in a message box.
+    void reportFailure() const;
     StatementBatch(const StatementBatch &) = delete;
     StatementBatch &operator=(const StatementBatch &) = delete;
 
 private:
+    void rollBack();
+
     bool m_active = false;
     bool m_failed = false;
     QString m_savepoint; // set inside another batch
+    QString m_failure;
 };
+
+// How long a command waits for another program that holds the database, in milliseconds.
+inline constexpr int kLockWaitMs = 10000;
+// The household's words for a failure of the database: the cause, then what it means.
+QString PlainFailure(const StatementError &error);

@@ -2,6 +2,7 @@
 
 #include "appstate.h"
 #include "database.h"
+#include "dbvoicewindows.h"
 #include "frmmain.h"
 #include "frmstatus.h"
 #include "guard.h"
@@ -85,6 +86,7 @@ MirepanApplication::MirepanApplication(int &argc, char **argv)
     setApplicationName(QStringLiteral("Mirepan"));
     setOrganizationName(QStringLiteral("Mirepan"));
     setApplicationVersion(QStringLiteral(MIREPAN_VERSION));
+    InstallWindowDatabaseVoice();
     // Ties the windows to the menu entry and its icon on the desktop.
     setDesktopFileName(QStringLiteral("org.mirepan.Mirepan"));
     // Every window's title bar and the task switcher show the drawing (drawn at any size by

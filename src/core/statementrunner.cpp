@@ -205,9 +205,53 @@ sqlite3 *sqliteHandle(QSqlDatabase &db)
 
 // A statement the engine could not prepare is an error in the command text; one that fails
 // while it runs (a constraint, a full disk, a LIKE pattern too long) is reported.
+StatementError::Cause sqliteCause(int code)
+{
+    switch (code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return StatementError::Busy;
+    case SQLITE_FULL:
+        return StatementError::Full;
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+    case SQLITE_CANTOPEN:
+        return StatementError::ReadOnly;
+    case SQLITE_IOERR:
+        return StatementError::Disk;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return StatementError::Damaged;
+    default:
+        return StatementError::Other;
+    }
+}
+
+// The server's classes: 08 the connection, 53 resources, 25006 a read-only transaction, 55P03
+// and 40 a lock or a conflict with another computer.
+StatementError::Cause serverCause(const QSqlError &e)
+{
+    const QString state = e.nativeErrorCode();
+    if (e.type() == QSqlError::ConnectionError || state.startsWith(QLatin1String("08")) ||
+        state.startsWith(QLatin1String("57P")))
+        return StatementError::Unreachable;
+    if (state == u"53100")
+        return StatementError::Full;
+    if (state == u"25006")
+        return StatementError::ReadOnly;
+    if (state == u"55P03" || state.startsWith(QLatin1String("40")))
+        return StatementError::Busy;
+    if (state.startsWith(QLatin1String("58")))
+        return StatementError::Disk;
+    if (state.startsWith(QLatin1String("XX")))
+        return StatementError::Damaged;
+    return StatementError::Other;
+}
+
 Recordset fail(StatementError *error, sqlite3 *connection, int code, bool preparing)
 {
     error->failed = true;
+    error->cause = sqliteCause(code);
     error->commandText = preparing && (code & 0xff) == kCommandTextError;
     error->number = QString::number(code);
     error->description = QString::fromUtf8(sqlite3_errmsg(connection));
@@ -461,6 +505,7 @@ Recordset runOnSqlite(sqlite3 *connection, const QString &sql, StatementError *e
 Recordset failQuery(StatementError *error, const QSqlError &e, bool commandText)
 {
     error->failed = true;
+    error->cause = serverCause(e);
     error->number = e.nativeErrorCode().isEmpty() ? QStringLiteral("-1") : e.nativeErrorCode();
     error->commandText = commandText;
     error->description = e.databaseText().isEmpty() ? e.text() : e.databaseText();
@@ -557,18 +602,44 @@ void ReleaseCachedStatements()
     statementCache().clear();
 }
 
-bool RunControlStatement(QSqlDatabase &db, const QString &sql)
+bool RunControlStatement(QSqlDatabase &db, const QString &sql, StatementError *error)
 {
+    StatementError ignored;
+    if (!error)
+        error = &ignored;
     sqlite3 *connection = sqliteHandle(db);
-    if (!connection)
-        return QSqlQuery(db).exec(sql);
+    if (!connection) {
+        // A server answers COMMIT of a transaction it gave up with a plain ROLLBACK: the
+        // driver's commit tells that apart.
+        if (sql == u"COMMIT") {
+            if (db.commit())
+                return true;
+            failQuery(error, db.lastError(), false);
+            return false;
+        }
+        QSqlQuery query(db);
+        if (query.exec(sql))
+            return true;
+        failQuery(error, query.lastError(), false);
+        return false;
+    }
     const QByteArray text = sql.toUtf8();
     sqlite3_stmt *statement = statementCache().take(connection, text);
-    if (!statement)
+    if (!statement) {
+        fail(error, connection, sqlite3_extended_errcode(connection), true);
         return false;
+    }
     const int result = sqlite3_step(statement);
+    if (result != SQLITE_DONE)
+        fail(error, connection, sqlite3_extended_errcode(connection), false);
     statementCache().giveBack(text, statement, statementCache().generation());
     return result == SQLITE_DONE;
+}
+
+void SetLockWait(QSqlDatabase &db, int milliseconds)
+{
+    if (sqlite3 *connection = sqliteHandle(db))
+        sqlite3_busy_timeout(connection, milliseconds);
 }
 
 Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error, bool insideBatch)

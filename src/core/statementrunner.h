@@ -6,8 +6,11 @@
 class QSqlDatabase;
 
 struct StatementError {
+    // What went wrong, as far as the household can do something about it.
+    enum Cause { Other, Busy, Full, ReadOnly, Disk, Damaged, Unreachable };
     bool failed = false;
     bool commandText = false; // the engine could not parse or prepare the statement
+    Cause cause = Other;
     QString number;
     QString description;
 };
@@ -17,7 +20,11 @@ struct StatementError {
 // insideBatch: a transaction is open, which a failing statement must leave usable.
 Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *error, bool insideBatch = false);
 // Runs one of the program's own statements that steer the connection (BEGIN, SAVEPOINT,
-// RELEASE, ROLLBACK TO); true when it ran. Every save runs a few of them.
-bool RunControlStatement(QSqlDatabase &db, const QString &sql);
+// RELEASE, ROLLBACK TO, COMMIT); true when it ran, else the error (when given) says why. Every
+// save runs a few of them.
+bool RunControlStatement(QSqlDatabase &db, const QString &sql, StatementError *error = nullptr);
+// How long a statement on the file database waits for another program's lock before it fails
+// as busy.
+void SetLockWait(QSqlDatabase &db, int milliseconds);
 // Lets go of the statements kept for reuse; before the connection closes.
 void ReleaseCachedStatements();

@@ -378,11 +378,16 @@ void frmMenu::cmdSave_Click()
                    Msg::Critical, QStringLiteral("Error Saving Menu"));
             return;
         }
-    if (const QTreeWidgetItem *failed = SaveMenu(m_tree)) {
-        MsgBox(QStringLiteral("There was an error trying to save ") + failed->text(0) +
+    const MenuSaveResult saved = SaveMenu(m_tree);
+    if (saved.failedNode) {
+        MsgBox(QStringLiteral("There was an error trying to save ") + saved.failedNode->text(0) +
                    QStringLiteral(".  This is most likely the result of putting too many levels of sub recipes under "
                                   "other recipes."),
                Msg::Critical, QStringLiteral("Error Saving Menu"));
+        return;
+    }
+    if (!saved.saved()) {
+        MsgBox(saved.failure, Msg::Critical, QStringLiteral("Error Saving Menu"));
         return;
     }
     m_changed = false;

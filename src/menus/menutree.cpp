@@ -120,25 +120,25 @@ QStringList LoadMenu(MenuTree &tree)
     return leftOut;
 }
 
-const QTreeWidgetItem *SaveMenu(const MenuTree &tree)
+MenuSaveResult SaveMenu(const MenuTree &tree)
 {
     // The old menu stays until the whole new one is stored.
     StatementBatch batch;
-    if (ExecuteSQL(QStringLiteral("DELETE * FROM MENU")).failed()) {
-        batch.fail();
-        return tree.nodes().value(0);
-    }
+    if (!batch.begun())
+        return {nullptr, batch.failure()};
+    if (ExecuteSQL(QStringLiteral("DELETE * FROM MENU")).failed())
+        return {batch.failure().isEmpty() ? tree.nodes().value(0) : nullptr, batch.failure()};
     int n = 0;
     for (const QTreeWidgetItem *node : tree.nodes()) {
         const QString sql = QStringLiteral("INSERT INTO MENU VALUES (") + QString::number(n++) + QStringLiteral(", '") +
                             MenuTree::parentKeyOf(node) + QStringLiteral("', '") + MenuTree::keyOf(node) +
                             QStringLiteral("', '") + node->text(0) + QStringLiteral("')");
-        if (ExecuteSQL(sql).failed()) {
-            batch.fail();
-            return node;
-        }
+        if (ExecuteSQL(sql).failed())
+            return {batch.failure().isEmpty() ? node : nullptr, batch.failure()};
     }
-    return nullptr;
+    if (!batch.commit())
+        return {nullptr, batch.failure()};
+    return {};
 }
 
 qint32 NextNodeNumber(const MenuTree &tree)

@@ -50,8 +50,14 @@ private:
 // alone. Rows whose parent is not in the tree (or whose key is taken) are left out and their
 // texts answered.
 QStringList LoadMenu(MenuTree &tree);
-// Stores the whole tree in its order, all or nothing: the node whose row failed, or nullptr.
-const QTreeWidgetItem *SaveMenu(const MenuTree &tree);
+// What a save of the menu did: nothing is stored unless saved().
+struct MenuSaveResult {
+    const QTreeWidgetItem *failedNode = nullptr; // the node whose row the database refused
+    QString failure; // why the database could not keep the menu, in the household's words
+    bool saved() const { return !failedNode && failure.isEmpty(); }
+};
+// Stores the whole tree in its order, all or nothing.
+MenuSaveResult SaveMenu(const MenuTree &tree);
 // The number for the next "Title: " or "Day: " key: one more than the largest after "Day:"
 // or "Title:" in any key.
 qint32 NextNodeNumber(const MenuTree &tree);

@@ -125,11 +125,13 @@ bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *pro
 {
     StatementBatch batch;
     const auto refuse = [&](const QString &why) {
-        batch.fail();
         if (problem)
-            *problem = why;
+            *problem = batch.failure().isEmpty() ? why : batch.failure();
+        batch.fail();
         return false;
     };
+    if (!batch.begun())
+        return refuse(batch.failure());
     if (id == 0)
         id = NextId(QStringLiteral("RECIPE"));
     if (replace) {
@@ -148,6 +150,8 @@ bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *pro
         const QString known = UnstorableText(recipe);
         return refuse(known.isEmpty() ? differs : known);
     }
+    if (!batch.commit())
+        return refuse(batch.failure());
     if (storedId)
         *storedId = id;
     return true;

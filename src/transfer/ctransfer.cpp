@@ -164,13 +164,14 @@ void cTransfer::Import()
         return;
 
     m_leftOut.clear();
+    QString notStored;
     {
         StatusGuard status{QString()};
         SetStatusMaximum(recipesToImport(file));
         // One commit for the whole file: a commit per recipe would wait for the disk a thousand
         // times. A failed line fails alone; the recipes before a fault stay.
         StatementBatch batch;
-        for (m_section = 1;; ++m_section) {
+        for (m_section = 1; batch.begun(); ++m_section) {
             ShowStatusStep(QStringLiteral("Importing recipe ") + QString::number(m_section) + QStringLiteral(" from ") +
                                FileName,
                            m_section - 1);
@@ -179,6 +180,14 @@ void cTransfer::Import()
             if (lines.size() <= 1)
                 break;
         }
+        if (!batch.commit())
+            notStored = batch.failure();
+    }
+    if (!notStored.isEmpty()) {
+        // Nothing came in: the file stays as it was, to be imported again.
+        MsgBox(QStringLiteral("No recipes were imported from ") + FileName + QStringLiteral(".\n\n") + notStored,
+               Msg::Critical, QStringLiteral("Error"));
+        return;
     }
     file.write(kImportedSection, QStringLiteral("Flag=True"));
     file.save();

@@ -67,11 +67,12 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
     MealMasterRecipe read;
     qint64 position = 0;
     bool goOn = true;
+    const MealMasterImportResult before = result;
     {
         // One commit for the file: a recipe that fails is rolled back alone (a batch of its own
         // inside this one).
         StatementBatch batch;
-        for (int number = 1; feed.next(read, position); ++number) {
+        for (int number = 1; batch.begun() && feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
                 if (!StoreRecipe(read.recipe, 0, false, &problem) && problem.isEmpty())
@@ -94,6 +95,12 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
                 goOn = false;
                 break;
             }
+        }
+        if (!batch.commit()) {
+            // The file's recipes were read but not kept: the count says what is really stored.
+            result = before;
+            result.notStored = name + QStringLiteral(": no recipe of this file was stored. ") + batch.failure();
+            return false;
         }
     }
     if (!rejected.isEmpty()) {
@@ -120,7 +127,7 @@ MealMasterImportResult ImportMealMasterFiles(const QStringList &files)
     StatusCancel cancel;
     for (const QString &path : files) {
         if (!importFile(path, codes, cancel, result)) {
-            result.cancelled = true;
+            result.cancelled = result.notStored.isEmpty();
             break;
         }
     }
@@ -135,6 +142,8 @@ QString MealMasterImportSummary(const MealMasterImportResult &result)
     QString text = QStringLiteral("%1 imported, %2 rejected").arg(result.imported).arg(result.rejected);
     if (result.cancelled)
         text += QStringLiteral("\n\nThe import was cancelled; the recipes imported before it are kept.");
+    if (!result.notStored.isEmpty())
+        text += QStringLiteral("\n\n") + result.notStored;
     if (!result.rejectedFiles.isEmpty())
         text += QStringLiteral("\n\nThe rejected recipes were written, as they stood, to:\n") +
                 result.rejectedFiles.join(u'\n') + QStringLiteral("\nCorrect them there and import that file.");
@@ -155,11 +164,12 @@ void ImportMealMaster()
         WaitCursor busy;
         result = ImportMealMasterFiles(files);
     }
-    if (result.imported + result.rejected == 0 && result.reasons.isEmpty())
+    if (result.imported + result.rejected == 0 && result.reasons.isEmpty() && result.notStored.isEmpty())
         MsgBox(QStringLiteral("No MealMaster recipes were found in ") + files.join(QStringLiteral(", ")) + u'.',
                Msg::Information, kImportTitle);
     else
-        MsgBox(MealMasterImportSummary(result), Msg::Information, kImportTitle);
+        MsgBox(MealMasterImportSummary(result), result.notStored.isEmpty() ? Msg::Information : Msg::Critical,
+               kImportTitle);
 }
 
 int ExportMealMasterFile(const QStringList &recipeIds, const QString &file)

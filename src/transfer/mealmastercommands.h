@@ -9,6 +9,8 @@ struct MealMasterImportResult {
     int imported = 0;
     int rejected = 0;
     bool cancelled = false;
+    // The database could not keep a file's recipes (full, busy, read-only): the import stopped.
+    QString notStored;
     // The files the rejected recipes were written to, as they stood in their source.
     QStringList rejectedFiles;
     // Why each was rejected, one line each.

@@ -3,6 +3,7 @@
 // next free identifier. It prints "saved S failed F" and fails when any save failed.
 
 #include "core/database.h"
+#include "core/dbvoicewindows.h"
 #include "core/msgbox.h"
 #include "recipes/reciperepository.h"
 
@@ -54,6 +55,7 @@ int main(int argc, char *argv[])
         return 2;
     Unattended unattended;
     SetResponder(&unattended);
+    InstallWindowDatabaseVoice();
     OpenFailure failure;
     if (!OpenDatabase(&failure)) {
         std::fprintf(stderr, "saveloop: cannot open the collection: %s\n", qPrintable(failure.reason));

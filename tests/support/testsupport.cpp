@@ -3,6 +3,7 @@
 #include "core/appstate.h"
 #include "core/atomicfile.h"
 #include "core/database.h"
+#include "core/dbvoicewindows.h"
 #include "core/datasources.h"
 #include "core/schema.h"
 #include "core/frmstatus.h"
@@ -30,6 +31,7 @@
 ScriptedResponder::ScriptedResponder()
 {
     SetResponder(this);
+    InstallWindowDatabaseVoice();
 }
 
 ScriptedResponder::~ScriptedResponder()

@@ -1,0 +1,294 @@
+// Saves meet a full disk, a failing disk and another program's lock at every point where the
+// disk can fail: what is reported saved is in the file, what is not reported saved left the
+// file as it was, and the next save works.
+
+#include "core/database.h"
+#include "core/dbvoice.h"
+#include "cabinet/frmcabinet.h"
+#include "core/dbvoicewindows.h"
+#include "menus/menutree.h"
+#include "recipes/frmadd2.h"
+#include "recipes/reciperepository.h"
+#include "support/faultvfs.h"
+#include "support/testsupport.h"
+#include "transfer/ctransfer.h"
+#include "transfer/mealmastercommands.h"
+
+#include <QFile>
+#include <QLineEdit>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <sqlite3.h>
+
+#include <functional>
+
+namespace {
+
+// Every stored row of every table, for comparing the file before and after.
+QString snapshot()
+{
+    QString all;
+    for (const char *table : {"RECIPE", "INGREDIENTS", "DIRECTIONS", "CABINET", "MENU"}) {
+        for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT * FROM ") + QLatin1String(table)); rs && !rs.eof();
+             rs.MoveNext()) {
+            all += QLatin1String(table);
+            for (int i = 0; i < 9; ++i) // no table has more columns; past the last a field reads ""
+                all += u'|' + rs.text(i);
+            all += u'\n';
+        }
+    }
+    return all;
+}
+
+const QString kMealMaster = QStringLiteral("MMMMM----- Recipe via Meal-Master (tm) v8.05\n"
+                                           "\n"
+                                           "      Title: Barley soup\n"
+                                           " Categories: Soups\n"
+                                           "      Yield: 4 servings\n"
+                                           "\n"
+                                           "      1 c  Barley\n"
+                                           "      2 qt Water\n"
+                                           "\n"
+                                           "  Simmer for an hour.\n"
+                                           "\n"
+                                           "MMMMM\n");
+
+// A voice that records the waits and does what the test says at each.
+class WaitingVoice : public DatabaseVoice
+{
+public:
+    void report(const QString &text, const QString &) override { reports << text; }
+    bool waiting(const QString &text, int, int) override
+    {
+        waitTexts << text;
+        return onWait ? onWait(int(waitTexts.size())) : true;
+    }
+    void waitEnded() override { ++ended; }
+
+    QStringList reports;
+    QStringList waitTexts;
+    int ended = 0;
+    std::function<bool(int)> onWait;
+};
+
+} // namespace
+
+class TestFaults : public SessionTest
+{
+    Q_OBJECT
+
+    QString m_pristine;
+
+    // The seeded database as it was before the writer ran.
+    void restore()
+    {
+        CloseDatabase();
+        QFile::remove(m_home->databasePath());
+        QFile::remove(m_home->databasePath() + QStringLiteral("-journal"));
+        QVERIFY(QFile::copy(m_pristine, m_home->databasePath()));
+        QVERIFY(OpenDatabase());
+    }
+
+    // Runs the writer at every write and sync it makes, each failing as a full disk and as a
+    // failing disk from that call on: the writer reports saved exactly when the file holds all
+    // it wrote, the file is otherwise as it was, and a save right after works.
+    void driveThroughFaults(const std::function<bool()> &writer)
+    {
+        restore();
+        const QString before = snapshot();
+        ResetFaultCounts();
+        QVERIFY(writer());
+        const int calls[2] = {FaultCalls(FaultOp::Write), FaultCalls(FaultOp::Sync)};
+        const QString after = snapshot();
+        QVERIFY(after != before);
+        QVERIFY(calls[0] > 0 && calls[1] > 0);
+        m_boxes->clear();
+        for (const FaultOp op : {FaultOp::Write, FaultOp::Sync}) {
+            for (int nth = 1; nth <= calls[int(op)]; ++nth) {
+                for (const int code : {SQLITE_FULL, SQLITE_IOERR_WRITE}) {
+                    restore();
+                    ArmFault(op, nth, code);
+                    const bool saved = writer();
+                    DisarmFault();
+                    const QString now = snapshot();
+                    const QString where = QStringLiteral("%1 %2 of %3, code %4")
+                                              .arg(op == FaultOp::Write ? "write" : "sync")
+                                              .arg(nth)
+                                              .arg(calls[int(op)])
+                                              .arg(code);
+                    QVERIFY2(now == (saved ? after : before), qPrintable(where));
+                    if (!saved) {
+                        QVERIFY2(!m_boxes->prompts().join(u'\n').contains(QStringLiteral("INSERT")), qPrintable(where));
+                        QVERIFY2(m_boxes->prompts().join(u'\n').contains(QStringLiteral("Nothing of this change was "
+                                                                                        "stored.")),
+                                 qPrintable(where + u'\n' + m_boxes->prompts().join(u'\n')));
+                    }
+                    m_boxes->clear();
+                    QVERIFY2(StoreRecipe(TestRecipe(QStringLiteral("Next")), 0, false), qPrintable(where));
+                }
+            }
+        }
+    }
+
+private Q_SLOTS:
+    void initTestCase() { InstallFaultVfs(); }
+
+    void init()
+    {
+        SKIP_ON_SERVER();
+        SessionTest::init();
+        StoreTestRecipe(TestRecipe(QStringLiteral("Old soup"), {"1|cup|Lentils|lentils"}, {"Cook."}), 1);
+        ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('lentils', 'F', 0)"));
+        ExecuteSQL(QStringLiteral("INSERT INTO MENU VALUES (0, '', 'Root', 'Menus')"));
+        m_pristine = m_home->path(QStringLiteral("pristine.mdb"));
+        CloseDatabase();
+        QVERIFY(QFile::copy(m_home->databasePath(), m_pristine));
+        QVERIFY(OpenDatabase());
+    }
+
+    void recipeSave()
+    {
+        driveThroughFaults([this] {
+            QString problem;
+            const bool saved = StoreRecipe(TestRecipe(QStringLiteral("New bread"), {"2|cup|Flour|flour"}, {"Knead."}),
+                                           0, false, &problem);
+            if (!saved)
+                MsgBox(problem);
+            return saved;
+        });
+    }
+
+    void menuSave()
+    {
+        driveThroughFaults([] {
+            QTreeWidget view;
+            MenuTree tree(&view);
+            LoadMenu(tree);
+            tree.add(QStringLiteral("Root"), QStringLiteral("Title:1"), QStringLiteral("Sunday lunch"));
+            const MenuSaveResult result = SaveMenu(tree);
+            if (!result.saved())
+                MsgBox(result.failure);
+            return result.saved();
+        });
+    }
+
+    void cabinetSave()
+    {
+        driveThroughFaults([this] {
+            frmCabinet window;
+            window.show();
+            window.cmdAll_Click();
+            const qsizetype shown = m_boxes->boxes.size();
+            window.cmdSave_Click();
+            const bool saved = m_boxes->boxes.size() == shown;
+            if (!saved) // unsaved ticks are asked about on close
+                m_boxes->answer(MsgResult::Yes);
+            window.close();
+            return saved;
+        });
+    }
+
+    void transferImport()
+    {
+        const QString file = m_home->path(QStringLiteral("transfer.txt"));
+        driveThroughFaults([&] {
+            WriteFile(file, "[1]\nServings=4\nType=F\nCategory=Soups\nTitle=Pea soup\nPrep=00:10\nCook=00:40\n"
+                            "Notes=\nRating=\nIng1=1 | cup | Peas | peas\nDir1=1 | Simmer.\n[2]\n");
+            cTransfer transfer;
+            transfer.FileName = file;
+            m_boxes->answer(MsgResult::Yes);
+            transfer.Import();
+            const bool marked = ReadFile(file).contains(QStringLiteral("Flag=True"));
+            // Marked imported exactly when the recipes came in.
+            return marked;
+        });
+    }
+
+    void mealMasterImport()
+    {
+        const QString file = m_home->path(QStringLiteral("soup.mmf"));
+        WriteFile(file, kMealMaster.toUtf8());
+        driveThroughFaults([&] {
+            const MealMasterImportResult result = ImportMealMasterFiles({file});
+            if (!result.notStored.isEmpty())
+                MsgBox(MealMasterImportSummary(result));
+            return result.imported == 1;
+        });
+    }
+
+    // The editor keeps the recipe as typed and says why it was not saved.
+    void editorKeepsTheFormWhenTheCommitFails()
+    {
+        frmAdd2 editor;
+        editor.TabbedView = false;
+        editor.show();
+        editor.txtTitle->setText(QStringLiteral("Rye bread"));
+        ArmFault(FaultOp::Sync, 1, SQLITE_FULL);
+        editor.cmdSave_Click();
+        DisarmFault();
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
+        QCOMPARE(m_boxes->boxes[0].prompt,
+                 QStringLiteral("There were errors adding the recipe!\n\nThe disk holding the recipe database is full. "
+                                "Nothing of this change was stored. Make room on the disk and try again."));
+        QCOMPARE(editor.txtTitle->text(), QStringLiteral("Rye bread"));
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), 1);
+        m_boxes->clear();
+        editor.cmdSave_Click();
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title = 'Rye bread'")), 1);
+    }
+
+    // Another program reading the file holds the commit up: the save waits for it with the
+    // progress window, and saves once it lets go, or gives up and says who holds it.
+    void aLockIsWaitedOnThenReported_data()
+    {
+        QTest::addColumn<bool>("letGo");
+        QTest::newRow("the other program lets go") << true;
+        QTest::newRow("the other program holds on") << false;
+    }
+    void aLockIsWaitedOnThenReported()
+    {
+        QFETCH(bool, letGo);
+        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        other.setDatabaseName(m_home->databasePath());
+        QVERIFY(other.open());
+        {
+            QSqlQuery reader(other);
+            QVERIFY(reader.exec(QStringLiteral("BEGIN")));
+            QVERIFY(reader.exec(QStringLiteral("SELECT * FROM RECIPE")) && reader.next()); // a read lock
+            WaitingVoice voice;
+            SetDatabaseVoice(&voice);
+            voice.onWait = [&](int wait) {
+                if (wait == 2 && letGo) {
+                    reader.finish();
+                    QSqlQuery(other).exec(QStringLiteral("COMMIT"));
+                }
+                return letGo || wait < 3;
+            };
+            QString problem;
+            const bool saved = StoreRecipe(TestRecipe(QStringLiteral("Waiting stew")), 0, false, &problem);
+            InstallWindowDatabaseVoice();
+            QCOMPARE(saved, letGo);
+            QVERIFY(voice.waitTexts.size() >= 2);
+            QCOMPARE(voice.waitTexts[0],
+                     QStringLiteral("Another program is using the recipe database. Waiting for it to finish..."));
+            QCOMPARE(voice.ended, 1);
+            if (!letGo)
+                QVERIFY2(problem.startsWith(QStringLiteral("Another program is using the recipe database")),
+                         qPrintable(problem));
+            reader.finish();
+            QSqlQuery(other).exec(QStringLiteral("ROLLBACK"));
+        }
+        other.close();
+        other = QSqlDatabase();
+        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title = 'Waiting stew'")), letGo ? 1 : 0);
+        QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("After the wait")), 0, false));
+    }
+};
+
+QTEST_MAIN(TestFaults)
+#include "test_faults.moc"
