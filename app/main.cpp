@@ -1,12 +1,11 @@
 // Mirepan: a recipe manager for the household.
 
-#include "core/database.h"
-#include "core/frmmain.h"
-#include "core/msgbox.h"
-#include "core/programdir.h"
-#include "core/singleinstance.h"
-#include "core/startup.h"
-#include "registerwindows.h"
+#include "core/db/database.h"
+#include "core/shell/frmmain.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/programdir.h"
+#include "core/shell/singleinstance.h"
+#include "core/shell/startup.h"
 
 #include <QDateTime>
 #include <QTimer>
@@ -20,7 +19,6 @@ int main(int argc, char *argv[])
         MsgBox(QStringLiteral("Mirepan is already running; its window has been brought forward."), Msg::Information);
         return 0;
     }
-    RegisterWindows();
     std::unique_ptr<frmMain> main = Startup();
     instance.onActivation = [&main] {
         main->showNormal();

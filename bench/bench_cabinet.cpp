@@ -4,7 +4,7 @@
 #include "benchdata.h"
 
 #include "cabinet/cabinettools.h"
-#include "core/database.h"
+#include "core/db/database.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

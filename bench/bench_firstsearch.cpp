@@ -7,11 +7,10 @@
 
 #include "benchdata.h"
 
-#include "../app/registerwindows.h"
-#include "core/database.h"
-#include "core/dbcompact.h"
-#include "core/frmmain.h"
-#include "core/startup.h"
+#include "core/db/database.h"
+#include "core/db/dbcompact.h"
+#include "core/shell/frmmain.h"
+#include "core/shell/startup.h"
 #include "recipes/reciperepository.h"
 #include "search/frmsearch.h"
 
@@ -85,7 +84,6 @@ int runChild(int &argc, char **argv, const QString &kind)
 {
     PaintWithoutFrameDelay();
     MirepanApplication app(argc, argv);
-    RegisterWindows();
     std::unique_ptr<frmMain> main = Startup();
     QCoreApplication::processEvents();
     const double idle = rssMiB("VmRSS:");

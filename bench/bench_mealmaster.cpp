@@ -3,7 +3,7 @@
 
 #include "benchdata.h"
 
-#include "core/database.h"
+#include "core/db/database.h"
 #include "search/frmsearch.h"
 #include "transfer/mealmastercommands.h"
 

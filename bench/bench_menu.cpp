@@ -3,7 +3,7 @@
 
 #include "benchdata.h"
 
-#include "core/database.h"
+#include "core/db/database.h"
 #include "menus/frmmenu.h"
 #include "menus/shoppinglist.h"
 #include "reports/recipeprinter.h"

@@ -4,8 +4,8 @@
 #include "benchdata.h"
 
 #include "cabinet/modcabinet.h"
-#include "core/appstate.h"
-#include "core/database.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
 #include "reports/recipeprinter.h"
 #include "reports/recipereport.h"
 #include "search/frmsearch.h"

@@ -4,9 +4,9 @@
 
 #include "benchdata.h"
 
-#include "core/database.h"
-#include "core/datasources.h"
-#include "core/schema.h"
+#include "core/db/database.h"
+#include "core/db/datasources.h"
+#include "core/db/schema.h"
 #include "search/frmsearch.h"
 
 #include <QApplication>

@@ -3,8 +3,8 @@
 
 #include "benchdata.h"
 
-#include "core/database.h"
-#include "core/modini.h"
+#include "core/db/database.h"
+#include "core/platform/modini.h"
 #include "transfer/ctransfer.h"
 
 #include <QApplication>

@@ -2,8 +2,8 @@
 
 #include "benchdata.h"
 
-#include "core/appstate.h"
-#include "core/dbupkeep.h"
+#include "core/platform/appstate.h"
+#include "core/shell/dbupkeep.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -2,11 +2,11 @@
 
 #include <QElapsedTimer>
 
-#include "core/database.h"
-#include "core/dbvoicewindows.h"
-#include "core/datasources.h"
-#include "core/msgbox.h"
-#include "core/schema.h"
+#include "core/db/database.h"
+#include "core/ui/dbvoicewindows.h"
+#include "core/db/datasources.h"
+#include "core/ui/msgbox.h"
+#include "core/db/schema.h"
 
 #include <QCoreApplication>
 #include <QEvent>

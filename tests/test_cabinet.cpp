@@ -3,8 +3,8 @@
 
 #include "cabinet/cabinettools.h"
 #include "cabinet/frmcabinet.h"
-#include "core/appstate.h"
-#include "core/database.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
 #include "recipes/reciperepository.h"
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"

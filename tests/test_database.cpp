@@ -1,8 +1,10 @@
 // The database session: statement preparation, the dialect, failures and identifiers.
 
-#include "core/database.h"
-#include "core/modini.h"
-#include "core/sqldialect.h"
+#include "core/ui/dbvoicewindows.h"
+#include "core/db/firststart.h"
+#include "core/db/database.h"
+#include "core/platform/modini.h"
+#include "core/db/sqldialect.h"
 #include "support/testsupport.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 // The recipe editor: loading, lists, the change flag, ingredient and direction entry.
 
-#include "core/appstate.h"
-#include "core/database.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
 #include "recipes/cabinetsuggestion.h"
 #include "recipes/frmadd2.h"
 #include "recipes/reciperepository.h"

@@ -2,10 +2,10 @@
 // disk can fail: what is reported saved is in the file, what is not reported saved left the
 // file as it was, and the next save works.
 
-#include "core/database.h"
-#include "core/dbvoice.h"
+#include "core/db/database.h"
+#include "core/db/dbvoice.h"
 #include "cabinet/frmcabinet.h"
-#include "core/dbvoicewindows.h"
+#include "core/ui/dbvoicewindows.h"
 #include "menus/menutree.h"
 #include "recipes/frmadd2.h"
 #include "recipes/reciperepository.h"
@@ -67,6 +67,8 @@ public:
         return onWait ? onWait(int(waitTexts.size())) : true;
     }
     void waitEnded() override { ++ended; }
+    void working(const QString &) override {}
+    void workEnded() override {}
 
     QStringList reports;
     QStringList waitTexts;

@@ -1,6 +1,6 @@
 // Amounts as fractions: parsing, formatting, arithmetic and its deliberate quirks.
 
-#include "core/platform.h"
+#include "core/platform/platform.h"
 #include "quantities/cfraction.h"
 #include "support/testsupport.h"
 

@@ -2,7 +2,7 @@
 // no control keeps the Tab key for itself.
 
 #include "cabinet/frmcabinet.h"
-#include "core/frmmain.h"
+#include "core/shell/frmmain.h"
 #include "menus/frmmenu.h"
 #include "quantities/frmresize.h"
 #include "recipes/frmadd2.h"

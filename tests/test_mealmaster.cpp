@@ -1,7 +1,7 @@
 // MealMaster collections: files read in (layouts, encodings, damage), written out and read back.
 
-#include "core/database.h"
-#include "core/frmstatus.h"
+#include "core/db/database.h"
+#include "core/ui/frmstatus.h"
 #include "recipes/reciperepository.h"
 #include "search/frmsearch.h"
 #include "support/testsupport.h"

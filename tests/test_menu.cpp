@@ -1,8 +1,8 @@
 // The menu planner: the tree of groups, days, meals and recipes, stored and loaded; the
 // shopping list and the needed amounts made from it.
 
-#include "core/appstate.h"
-#include "core/database.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
 #include "menus/frmmenu.h"
 #include "menus/shoppinglist.h"
 #include "recipes/reciperepository.h"

@@ -1,6 +1,6 @@
 // The platform conversions every command relies on.
 
-#include "core/platform.h"
+#include "core/platform/platform.h"
 
 #include <QTest>
 

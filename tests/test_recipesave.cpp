@@ -1,7 +1,7 @@
 // Saving recipes from the editor: new, overwritten, copied, and refused.
 
-#include "core/appstate.h"
-#include "core/database.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
 #include "recipes/frmadd2.h"
 #include "recipes/reciperepository.h"
 #include "support/testsupport.h"

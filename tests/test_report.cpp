@@ -1,8 +1,8 @@
 // The printed recipe: composition, the report over stored recipes, the editor's view, and the
 // preview's files.
 
-#include "core/appstate.h"
-#include "core/database.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
 #include "recipes/frmadd2.h"
 #include "recipes/reciperepository.h"
 #include "reports/frmpreview.h"

@@ -1,6 +1,6 @@
 // Resizing: the dialog's rules and the editor's command from end to end.
 
-#include "core/appstate.h"
+#include "core/platform/appstate.h"
 #include "quantities/frmresize.h"
 #include "recipes/frmadd2.h"
 #include "support/testsupport.h"

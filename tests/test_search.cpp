@@ -1,8 +1,8 @@
 // Finding recipes: the query text, the cabinet filter, and the search window's actions.
 
 #include "cabinet/modcabinet.h"
-#include "core/appstate.h"
-#include "core/database.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
 #include "recipes/frmadd2.h"
 #include "recipes/reciperepository.h"
 #include "reports/recipeprinter.h"

@@ -1,8 +1,9 @@
 // The settings dialog: loading into memory, saving, resetting and cancelling.
 
-#include "core/appstate.h"
-#include "core/database.h"
-#include "core/modini.h"
+#include "core/db/firststart.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
+#include "core/platform/modini.h"
 #include "settings/frmmaint.h"
 #include "settings/frmsettings.h"
 #include "support/testsupport.h"

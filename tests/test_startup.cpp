@@ -1,15 +1,17 @@
 // Start-up: the first-run road, the main window and its exit guard.
 
-#include "core/appstate.h"
-#include "core/database.h"
-#include "core/datasources.h"
-#include "core/schema.h"
-#include "core/frmmain.h"
-#include "core/frmstatus.h"
-#include "core/modini.h"
-#include "core/singleinstance.h"
-#include "core/startup.h"
-#include "core/windowhooks.h"
+#include "core/ui/dbvoicewindows.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
+#include "core/db/datasources.h"
+#include "core/db/schema.h"
+#include "core/shell/frmmain.h"
+#include "core/ui/frmstatus.h"
+#include "core/platform/modini.h"
+#include "core/shell/singleinstance.h"
+#include "core/shell/startup.h"
+#include "recipes/frmadd2.h"
+#include "settings/frmmaint.h"
 #include "settings/frmsettings.h"
 #include "support/testsupport.h"
 
@@ -28,6 +30,19 @@
 #include <QSqlQuery>
 #include <QTest>
 
+namespace {
+
+template<typename Window>
+int visibleWindows()
+{
+    int shown = 0;
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        shown += qobject_cast<Window *>(widget) && widget->isVisible() ? 1 : 0;
+    return shown;
+}
+
+} // namespace
+
 class TestStartup : public SessionTest
 {
     Q_OBJECT
@@ -45,8 +60,6 @@ private Q_SLOTS:
     {
         SessionTest::init();
         m_shell = std::make_unique<FakeShell>();
-        Hooks() = WindowHooks();
-        Hooks().loadSettings = [] { LoadSettings(); };
     }
     void cleanup()
     {
@@ -288,8 +301,6 @@ private Q_SLOTS:
 
     void mainWindowCommandsAndType()
     {
-        int opened = 0;
-        Hooks().addRecipe = [&] { ++opened; };
         frmMain main;
         main.show();
         QCOMPARE(main.windowTitle(), QStringLiteral("Mirepan"));
@@ -303,13 +314,13 @@ private Q_SLOTS:
         for (QAction *a : main.menuBar()->actions())
             menus << a->text();
         QCOMPARE(menus, (QStringList{"&File", "&Tools", "&Help"}));
-        // Commands whose windows are not registered are disabled.
-        QVERIFY(!main.cmdCabinet->isEnabled());
-        QVERIFY(!main.mnuImport->isEnabled());
-        QVERIFY(main.cmdAddRecipe->isEnabled());
+        // Add opens a new editor each time, from the menu and from the button.
         main.mnuAdd->trigger();
         QTest::mouseClick(main.cmdAddRecipe, Qt::LeftButton);
-        QCOMPARE(opened, 2);
+        QCOMPARE(visibleWindows<frmAdd2>(), 2);
+        QApplication::closeAllWindows();
+        QCOMPARE(gSubWindows, qint16(0));
+        main.show();
 
         main.cboRecipeType->setCurrentIndex(1);
         main.cboRecipeType_Click();
@@ -350,11 +361,9 @@ private Q_SLOTS:
 
     void listMaintenanceWarnsFirst()
     {
-        bool opened = false;
-        Hooks().listMaintenance = [&] { opened = true; };
         frmMain main;
         main.mnuList->trigger();
-        QVERIFY(opened);
+        QCOMPARE(visibleWindows<frmMaint>(), 1);
         QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral(
             "Be careful when making changes to the values in the combo boxes!\nYour changes will immediately affect the lists available in the software.")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Warning"));

@@ -1,9 +1,9 @@
 // Recipe exchange: the transfer file written by export, read by import, shown and reset.
 
-#include "core/appstate.h"
-#include "core/database.h"
-#include "core/modini.h"
-#include "core/programdir.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
+#include "core/platform/modini.h"
+#include "core/platform/programdir.h"
 #include "recipes/reciperepository.h"
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"

@@ -1,11 +1,12 @@
 // Database upkeep: backup, restore and the rating reset, on a real database file.
 
-#include "core/appstate.h"
-#include "core/database.h"
-#include "core/datasources.h"
-#include "core/dbcompact.h"
-#include "core/dbupkeep.h"
-#include "core/frmmain.h"
+#include "core/db/schema.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
+#include "core/db/datasources.h"
+#include "core/db/dbcompact.h"
+#include "core/shell/dbupkeep.h"
+#include "core/shell/frmmain.h"
 #include "recipes/reciperepository.h"
 #include "support/testsupport.h"
 

@@ -1,9 +1,9 @@
 #include "cabinettools.h"
 
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/frmstatus.h"
-#include "core/msgbox.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/ui/frmstatus.h"
+#include "core/ui/msgbox.h"
 
 #include <QSet>
 #include <QStringList>

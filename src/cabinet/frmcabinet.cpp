@@ -2,13 +2,14 @@
 
 #include "cabinettools.h"
 
-#include "core/appstate.h"
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/guard.h"
-#include "core/msgbox.h"
-#include "core/programdir.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/ui/guard.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/programdir.h"
 #include "reports/recipeprinter.h"
+#include "core/ui/dbvoicewindows.h"
 
 #include <QCloseEvent>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 #pragma once
 // The cabinet window: the pantry of one recipe type, each item ticked when it is at home.
 
-#include "core/appstate.h"
+#include "core/platform/appstate.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
 #include "modcabinet.h"
 
-#include "core/controls.h"
-#include "core/database.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
 
 #include <algorithm>
 

@@ -2,12 +2,12 @@
 
 #include "shoppinglist.h"
 
-#include "core/appstate.h"
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/guard.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/ui/guard.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
 #include "reports/recipereport.h"
 #include "search/frmsearch.h"
 

@@ -4,7 +4,7 @@
 
 #include "menutree.h"
 
-#include "core/appstate.h"
+#include "core/platform/appstate.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
 #include "menutree.h"
 
-#include "core/database.h"
-#include "core/platform.h"
+#include "core/db/database.h"
+#include "core/platform/platform.h"
 
 #include <QSet>
 #include <QTreeWidget>

@@ -1,9 +1,9 @@
 #include "shoppinglist.h"
 
-#include "core/appstate.h"
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/msgbox.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/ui/msgbox.h"
 #include "quantities/cfraction.h"
 #include "recipes/recipedata.h"
 #include "reports/recipeprinter.h"

@@ -1,7 +1,7 @@
 #include "cfraction.h"
 
-#include "core/msgbox.h"
-#include "core/platform.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
 
 #include <cmath>
 #include <numeric>

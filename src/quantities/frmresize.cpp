@@ -2,9 +2,9 @@
 
 #include "cfraction.h"
 
-#include "core/guard.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
+#include "core/ui/guard.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
 
 #include <QButtonGroup>
 #include <QCloseEvent>

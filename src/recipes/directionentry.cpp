@@ -2,9 +2,9 @@
 
 #include "frmadd2.h"
 
-#include "core/controls.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
+#include "core/ui/controls.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
 
 #include <QLineEdit>
 #include <QTreeWidget>

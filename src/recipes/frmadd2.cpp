@@ -1,13 +1,13 @@
 #include "frmadd2.h"
 #include "reciperepository.h"
 
-#include "core/appstate.h"
-#include "core/controls.h"
-#include "core/guard.h"
-#include "core/modini.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
-#include "core/programdir.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/ui/guard.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
+#include "core/platform/programdir.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -3,7 +3,7 @@
 
 #include "frmadd2.h"
 
-#include "core/controls.h"
+#include "core/ui/controls.h"
 
 #include <QComboBox>
 #include <QFormLayout>

@@ -4,11 +4,11 @@
 #include "cabinetsuggestion.h"
 #include "frmadd2.h"
 
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/guard.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/ui/guard.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
 
 #include <QComboBox>
 #include <QLineEdit>

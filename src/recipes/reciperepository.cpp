@@ -1,7 +1,7 @@
 #include "reciperepository.h"
 
-#include "core/database.h"
-#include "core/platform.h"
+#include "core/db/database.h"
+#include "core/platform/platform.h"
 
 namespace {
 

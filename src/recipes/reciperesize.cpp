@@ -3,9 +3,9 @@
 
 #include "frmadd2.h"
 
-#include "core/guard.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
+#include "core/ui/guard.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
 #include "quantities/cfraction.h"
 #include "quantities/frmresize.h"
 

@@ -3,11 +3,11 @@
 #include "frmadd2.h"
 #include "reciperepository.h"
 
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/frmstatus.h"
-#include "core/guard.h"
-#include "core/msgbox.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/ui/frmstatus.h"
+#include "core/ui/guard.h"
+#include "core/ui/msgbox.h"
 
 #include <QComboBox>
 #include <QLineEdit>

@@ -2,7 +2,7 @@
 
 #include "frmadd2.h"
 
-#include "core/appstate.h"
+#include "core/platform/appstate.h"
 #include "reports/recipereport.h"
 
 void frmAdd2::cmdView_Click()

@@ -1,6 +1,6 @@
 #include "frmpreview.h"
 
-#include "core/msgbox.h"
+#include "core/ui/msgbox.h"
 
 #include <QHBoxLayout>
 #include <QPageLayout>

@@ -3,8 +3,8 @@
 #include "frmpreview.h"
 #include "rtfwriter.h"
 
-#include "core/atomicfile.h"
-#include "core/platform.h"
+#include "core/platform/atomicfile.h"
+#include "core/platform/platform.h"
 
 #include <QDir>
 #include <QFile>

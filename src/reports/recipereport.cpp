@@ -1,14 +1,15 @@
 #include "recipereport.h"
 
-#include "core/appstate.h"
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/platform.h"
-#include "core/frmstatus.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/platform/platform.h"
+#include "core/ui/frmstatus.h"
 
 #include <QLabel>
-#include "core/msgbox.h"
+#include "core/ui/msgbox.h"
 #include "recipes/reciperepository.h"
+#include "core/ui/dbvoicewindows.h"
 
 #include <cmath>
 

@@ -3,17 +3,18 @@
 #include "searchquery.h"
 
 #include "cabinet/modcabinet.h"
-#include "core/appstate.h"
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/guard.h"
-#include "core/modini.h"
-#include "core/msgbox.h"
-#include "core/periphery.h"
-#include "core/platform.h"
-#include "core/windowhooks.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/ui/guard.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/ui/periphery.h"
+#include "core/platform/platform.h"
+#include "settings/frmsettings.h"
 #include "recipes/frmadd2.h"
 #include "reports/recipereport.h"
+#include "core/ui/dbvoicewindows.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -73,10 +74,7 @@ frmSearch::frmSearch(QWidget *parent)
     connect(cmdDelete, &QPushButton::clicked, this, &frmSearch::cmdDelete_Click);
     connect(cmdClose, &QPushButton::clicked, this, &frmSearch::cmdClose_Click);
     connect(mnuClose, &QAction::triggered, this, &QWidget::close);
-    connect(mnuSettings, &QAction::triggered, this, [] {
-        if (Hooks().settings)
-            Guarded(Hooks().settings);
-    });
+    connect(mnuSettings, &QAction::triggered, this, [] { Guarded([] { ShowSettings(); }); });
     connect(mnuAbout, &QAction::triggered, this, [] { ShowAbout(); });
     connect(mnuContact, &QAction::triggered, this, [] { ShowContact(); });
     connect(lvwRecipes->header(), &QHeaderView::sectionClicked, this, &frmSearch::lvwRecipes_ColumnClick);
@@ -139,7 +137,6 @@ void frmSearch::buildLayout()
     QMenu *tools = menuBar->addMenu(QStringLiteral("&Tools"));
     mnuSettings = tools->addAction(QStringLiteral("&Settings"));
     mnuSettings->setObjectName(QStringLiteral("mnuSettings"));
-    mnuSettings->setEnabled(bool(Hooks().settings));
     QMenu *help = menuBar->addMenu(QStringLiteral("&Help"));
     mnuAbout = help->addAction(QStringLiteral("&About"));
     mnuAbout->setObjectName(QStringLiteral("mnuAbout"));

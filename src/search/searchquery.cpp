@@ -1,9 +1,17 @@
 #include "searchquery.h"
 
-#include "core/database.h"
-#include "core/platform.h"
+#include "core/db/database.h"
+#include "core/platform/platform.h"
 
 #include <cmath>
+
+QString PrepareSearchText(QString &text)
+{
+    text = Trim(text);
+    QString prepared = text;
+    prepared.replace(u'\'', QStringLiteral("''"));
+    return prepared.toUpper();
+}
 
 QString AddMinutesToTime(int minutes, const QString &time)
 {

@@ -18,6 +18,9 @@ struct SearchContext {
     qint16 maxRecipeId = 0;
 };
 
+// A search criterion made ready for a LIKE pattern: trimmed (the caller's text too), its
+// apostrophes doubled, in upper case.
+QString PrepareSearchText(QString &text);
 // The query text, clause by clause in the window's fixed order.
 QString BuildSearchSql(SearchCriteria criteria, const SearchContext &context);
 // Adds minutes to a time hh:mm with one carry of the hour ("00:58" plus 5 is "01:03",

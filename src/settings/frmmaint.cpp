@@ -1,10 +1,10 @@
 #include "frmmaint.h"
 
-#include "core/controls.h"
-#include "core/guard.h"
-#include "core/modini.h"
-#include "core/msgbox.h"
-#include "core/programdir.h"
+#include "core/ui/controls.h"
+#include "core/ui/guard.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/programdir.h"
 
 #include <QComboBox>
 #include <QFormLayout>

@@ -1,14 +1,14 @@
 #include "frmsettings.h"
 
-#include "core/appstate.h"
-#include "core/controls.h"
-#include "core/database.h"
-#include "core/datasources.h"
-#include "core/guard.h"
-#include "core/modini.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
-#include "core/programdir.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/db/database.h"
+#include "core/db/datasources.h"
+#include "core/ui/guard.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
+#include "core/platform/programdir.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>

@@ -1,7 +1,7 @@
 #pragma once
 // The settings dialog. Loading it is also how the program reads its settings into memory.
 
-#include "core/msgbox.h"
+#include "core/ui/msgbox.h"
 
 #include <QDialog>
 

@@ -1,11 +1,11 @@
 #include "ctransfer.h"
 
-#include "core/database.h"
-#include "core/frmstatus.h"
-#include "core/modini.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
-#include "core/programdir.h"
+#include "core/db/database.h"
+#include "core/ui/frmstatus.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
+#include "core/platform/programdir.h"
 
 #include <QRegularExpression>
 

@@ -1,7 +1,7 @@
 #include "mealmaster.h"
 
 #include "cabinet/cabinettools.h"
-#include "core/platform.h"
+#include "core/platform/platform.h"
 
 #include <QIODevice>
 

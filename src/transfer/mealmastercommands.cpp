@@ -3,17 +3,18 @@
 #include "mealmaster.h"
 #include "mealmasterfeed.h"
 
-#include "core/atomicfile.h"
-#include "core/controls.h"
-#include "core/dbcompact.h"
-#include "core/database.h"
-#include "core/frmstatus.h"
-#include "core/modini.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
-#include "core/programdir.h"
+#include "core/platform/atomicfile.h"
+#include "core/ui/controls.h"
+#include "core/db/dbcompact.h"
+#include "core/db/database.h"
+#include "core/ui/frmstatus.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
+#include "core/platform/programdir.h"
 #include "recipes/reciperepository.h"
 #include "search/frmsearch.h"
+#include "core/ui/dbvoicewindows.h"
 
 #include <QDir>
 #include <QFile>

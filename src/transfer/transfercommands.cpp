@@ -2,12 +2,12 @@
 
 #include "ctransfer.h"
 
-#include "core/appstate.h"
-#include "core/controls.h"
-#include "core/frmstatus.h"
-#include "core/modini.h"
-#include "core/msgbox.h"
-#include "core/platform.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/ui/frmstatus.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"
 

@@ -2,9 +2,8 @@
 // collection and saves COUNT new recipes titled "LABEL n" as the editor does, each under the
 // next free identifier. It prints "saved S failed F" and fails when any save failed.
 
-#include "core/database.h"
-#include "core/dbvoicewindows.h"
-#include "core/msgbox.h"
+#include "core/db/database.h"
+#include "core/db/dbvoice.h"
 #include "recipes/reciperepository.h"
 
 #include <QCoreApplication>
@@ -12,19 +11,18 @@
 
 namespace {
 
-// No one to ask: every box goes to standard error and is answered OK.
-class Unattended : public Responder
+// No one to ask: every failure goes to standard error.
+class Unattended : public DatabaseVoice
 {
 public:
-    MsgResult messageBox(const QString &prompt, MsgStyle, const QString &title) override
+    void report(const QString &text, const QString &title) override
     {
-        std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(prompt));
-        return MsgResult::Ok;
+        std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
     }
-    QString inputBox(const QString &, const QString &, const QString &) override { return {}; }
-    QString fileName(const QString &, const QString &) override { return {}; }
-    void showModal(QDialog *) override {}
-    void wait(double) override {}
+    bool waiting(const QString &, int, int) override { return true; }
+    void waitEnded() override {}
+    void working(const QString &) override {}
+    void workEnded() override {}
 };
 
 RecipeData recipe(const QString &title, int n)
@@ -54,8 +52,7 @@ int main(int argc, char *argv[])
     if (argc != 3)
         return 2;
     Unattended unattended;
-    SetResponder(&unattended);
-    InstallWindowDatabaseVoice();
+    SetDatabaseVoice(&unattended);
     OpenFailure failure;
     if (!OpenDatabase(&failure)) {
         std::fprintf(stderr, "saveloop: cannot open the collection: %s\n", qPrintable(failure.reason));

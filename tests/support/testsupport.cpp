@@ -1,13 +1,13 @@
 #include "testsupport.h"
 
-#include "core/appstate.h"
-#include "core/atomicfile.h"
-#include "core/database.h"
-#include "core/dbvoicewindows.h"
-#include "core/datasources.h"
-#include "core/schema.h"
-#include "core/frmstatus.h"
-#include "core/platform.h"
+#include "core/platform/appstate.h"
+#include "core/platform/atomicfile.h"
+#include "core/db/database.h"
+#include "core/ui/dbvoicewindows.h"
+#include "core/db/datasources.h"
+#include "core/db/schema.h"
+#include "core/ui/frmstatus.h"
+#include "core/platform/platform.h"
 #include "recipes/reciperepository.h"
 
 #include <QCoreApplication>

@@ -2,9 +2,9 @@
 // What the tests share: a scripted answerer for message boxes, a throw-away program directory
 // with its own settings file and database, and a fake shell.
 
-#include "core/datasources.h"
-#include "core/msgbox.h"
-#include "core/shell.h"
+#include "core/db/datasources.h"
+#include "core/ui/msgbox.h"
+#include "core/ui/shell.h"
 #include "recipes/recipedata.h"
 
 #include <QList>

@@ -3,8 +3,8 @@
 // another, as a restore puts a backup in place; "writeloop transfer FILE" appends fifty
 // recipe sections to a transfer file at a time, as an export does. It says "writing" once its first write is done.
 
-#include "core/atomicfile.h"
-#include "core/modini.h"
+#include "core/platform/atomicfile.h"
+#include "core/platform/modini.h"
 
 #include <QCoreApplication>
 #include <cstdio>

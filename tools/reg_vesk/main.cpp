@@ -11,10 +11,10 @@
 // database is empty. A database that already holds tables is left as it is: it is checked to
 // be a recipe collection, never changed.
 
-#include "core/datasources.h"
-#include "core/database.h"
-#include "core/programdir.h"
-#include "core/schema.h"
+#include "core/db/datasources.h"
+#include "core/db/database.h"
+#include "core/platform/programdir.h"
+#include "core/db/schema.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

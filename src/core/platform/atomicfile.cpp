@@ -1,6 +1,6 @@
 #include "atomicfile.h"
 
-#include "platform.h"
+#include "core/platform/platform.h"
 
 #include <QDir>
 #include <QFile>

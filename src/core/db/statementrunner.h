@@ -1,7 +1,7 @@
 #pragma once
 // Running one statement on the engine behind a connection.
 
-#include "recordset.h"
+#include "core/db/recordset.h"
 
 class QSqlDatabase;
 

@@ -1,7 +1,9 @@
 #include "controls.h"
 
-#include "appstate.h"
-#include "platform.h"
+#include "core/platform/appstate.h"
+#include "core/platform/modini.h"
+#include "core/platform/programdir.h"
+#include "core/platform/platform.h"
 
 #include <QApplication>
 #include <cmath>
@@ -113,4 +115,9 @@ QString NormaliseTimeText(const QString &text)
     if (std::abs(value) > 1e15)
         throw PlatformError(PlatformError::Overflow);
     return Format(qint64(value), QStringLiteral("00:00"));
+}
+
+void LoadIniList(QComboBox *combo, const QString &section)
+{
+    combo->addItems(IniListValues(IniPath(), section));
 }

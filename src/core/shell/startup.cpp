@@ -1,15 +1,16 @@
 #include "startup.h"
 
-#include "appstate.h"
-#include "database.h"
-#include "dbvoicewindows.h"
-#include "frmmain.h"
-#include "frmstatus.h"
-#include "guard.h"
-#include "modini.h"
-#include "msgbox.h"
-#include "programdir.h"
-#include "shell.h"
+#include "core/platform/appstate.h"
+#include "core/db/database.h"
+#include "core/ui/dbvoicewindows.h"
+#include "core/shell/frmmain.h"
+#include "core/ui/frmstatus.h"
+#include "core/ui/guard.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/programdir.h"
+#include "core/ui/shell.h"
+#include "core/db/firststart.h"
 
 #include <QCoreApplication>
 #include <QIcon>

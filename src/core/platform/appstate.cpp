@@ -1,6 +1,6 @@
 #include "appstate.h"
 
-#include "platform.h"
+#include "core/platform/platform.h"
 
 QString gRecipeType = QStringLiteral("Food");
 qint16 gSubWindows = 0;

@@ -1,10 +1,9 @@
 #include "modini.h"
 
-#include "atomicfile.h"
-#include "platform.h"
-#include "programdir.h"
+#include "core/platform/atomicfile.h"
+#include "core/platform/platform.h"
+#include "core/platform/programdir.h"
 
-#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -449,9 +448,4 @@ QStringList IniListValues(const QString &path, const QString &section)
     for (const QString &line : GetIniSection(path, section))
         values.append(IniLineValue(line));
     return values;
-}
-
-void LoadIniList(QComboBox *combo, const QString &section)
-{
-    combo->addItems(IniListValues(IniPath(), section));
 }

@@ -17,6 +17,8 @@ public:
     }
     bool waiting(const QString &, int, int) override { return true; }
     void waitEnded() override {}
+    void working(const QString &) override {}
+    void workEnded() override {}
 };
 
 DatabaseVoice *g_voice = nullptr;
@@ -32,4 +34,14 @@ DatabaseVoice &TheDatabaseVoice()
 {
     static LogVoice log;
     return g_voice ? *g_voice : log;
+}
+
+DatabaseWork::DatabaseWork(const QString &text)
+{
+    TheDatabaseVoice().working(text);
+}
+
+DatabaseWork::~DatabaseWork()
+{
+    TheDatabaseVoice().workEnded();
 }

@@ -1,8 +1,8 @@
 #include "periphery.h"
 
-#include "msgbox.h"
-#include "programdir.h"
-#include "shell.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/programdir.h"
+#include "core/ui/shell.h"
 
 namespace {
 

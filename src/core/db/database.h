@@ -5,9 +5,9 @@
 // Every statement is SQL text run by ExecuteSQL. A failed statement returns no result;
 // an error in the command text is passed over in silence, any other failure is reported.
 
-#include "datasources.h"
-#include "recordset.h"
-#include "statementrunner.h"
+#include "core/db/datasources.h"
+#include "core/db/recordset.h"
+#include "core/db/statementrunner.h"
 
 #include <QSqlDatabase>
 #include <QString>
@@ -38,11 +38,6 @@ bool OpenDatabase(OpenFailure *failure = nullptr);
 void CloseDatabase();
 // Sets the connection up for the data source: file or server, user and password.
 void ConfigureConnection(QSqlDatabase &db, const DataSource &source);
-// Why the open database cannot serve as the recipe database; "" when it can. Reads only.
-QString RecipeDatabaseProblem(QSqlDatabase &db);
-// Why the SQLite file cannot serve as the recipe database (damaged, not a database, a table
-// or column missing); "" when it can. Reads only.
-QString RecipeDatabaseProblem(const QString &file);
 // Trims the statement in place, prepares it (PrepareSQL), translates it to the engine's
 // dialect and runs it. A failed statement answers a result whose failed() is true.
 Recordset ExecuteSQL(QString &sql);
@@ -56,15 +51,8 @@ bool IsDelimiterApostrophe(const QString &sql, qsizetype i);
 // The first apostrophe of a text that an INSERT would take for the end of the text (so the
 // text cannot be stored as it stands); -1 when there is none.
 qsizetype DelimiterApostropheIn(const QString &text);
-// Records the highest recipe identifier of the first start as [Misc] MaxRecipeID.
-void RecordMaxRecipeID();
 // The largest id of the table plus one; 1 for an empty table.
 qint32 NextId(const QString &table);
-// A search criterion made ready for a LIKE pattern: trimmed (the caller's text too), its
-// apostrophes doubled, in upper case.
-QString PrepareSearchText(QString &text);
-// Shows the not-connected notice when the database is not connected; true then.
-bool ReportNotConnected();
 
 // Runs several statements as one commit, so that a recipe's dozens of lines are written at
 // once. Nothing of the batch is kept unless commit() says so: after fail(), a failed commit, or

@@ -1,16 +1,18 @@
 #include "dbupkeep.h"
 
-#include "dbcompact.h"
+#include "core/db/dbcompact.h"
 
-#include "appstate.h"
-#include "atomicfile.h"
-#include "database.h"
-#include "datasources.h"
-#include "frmstatus.h"
-#include "modini.h"
-#include "msgbox.h"
-#include "platform.h"
-#include "programdir.h"
+#include "core/platform/appstate.h"
+#include "core/platform/atomicfile.h"
+#include "core/db/database.h"
+#include "core/db/datasources.h"
+#include "core/ui/frmstatus.h"
+#include "core/platform/modini.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
+#include "core/platform/programdir.h"
+#include "core/ui/dbvoicewindows.h"
+#include "core/db/schema.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -67,3 +67,5 @@ public:
 // A time typed as hours and minutes: the colons are dropped and the number written back as
 // "00:00", the last two digits being the minutes (130 and 1:30 give 01:30, 7:5 gives 00:75).
 QString NormaliseTimeText(const QString &text);
+// Fills a combo box with the display values of a list section.
+void LoadIniList(QComboBox *combo, const QString &section);

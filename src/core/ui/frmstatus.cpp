@@ -1,7 +1,7 @@
 #include "frmstatus.h"
 
-#include "msgbox.h"
-#include "userinputblock.h"
+#include "core/ui/msgbox.h"
+#include "core/ui/userinputblock.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

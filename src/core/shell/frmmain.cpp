@@ -1,12 +1,21 @@
 #include "frmmain.h"
 
-#include "appstate.h"
-#include "controls.h"
-#include "dbcompact.h"
-#include "guard.h"
-#include "msgbox.h"
-#include "periphery.h"
-#include "windowhooks.h"
+#include "core/platform/appstate.h"
+#include "core/ui/controls.h"
+#include "core/db/dbcompact.h"
+#include "core/ui/guard.h"
+#include "core/ui/msgbox.h"
+#include "core/ui/periphery.h"
+#include "cabinet/cabinettools.h"
+#include "cabinet/frmcabinet.h"
+#include "core/shell/dbupkeep.h"
+#include "menus/frmmenu.h"
+#include "recipes/frmadd2.h"
+#include "search/frmsearch.h"
+#include "settings/frmmaint.h"
+#include "settings/frmsettings.h"
+#include "transfer/mealmastercommands.h"
+#include "transfer/transfercommands.h"
 
 #include <QAction>
 #include <QApplication>
@@ -25,16 +34,12 @@ const QString kListWarning =
     QStringLiteral("Be careful when making changes to the values in the combo boxes!\n"
                    "Your changes will immediately affect the lists available in the software.");
 
-// Connects an action or button to a registered opener; without one the command stays
-// disabled until its window exists.
+// Runs a command of the main window inside the boundary that turns a platform error into a
+// message box.
 template<typename Sender, typename Signal>
-void wire(Sender *sender, Signal signal, const std::function<void()> &opener)
+void wire(Sender *sender, Signal signal, void (*command)())
 {
-    sender->setEnabled(bool(opener));
-    QObject::connect(sender, signal, sender, [opener] {
-        if (opener)
-            Guarded(opener);
-    });
+    QObject::connect(sender, signal, sender, [command] { Guarded(command); });
 }
 
 } // namespace
@@ -85,10 +90,10 @@ frmMain::frmMain(QWidget *parent)
 
     buildMenus();
 
-    wire(cmdAddRecipe, &QPushButton::clicked, Hooks().addRecipe);
-    wire(cmdSearchRecipe, &QPushButton::clicked, Hooks().searchRecipes);
-    wire(cmdCabinet, &QPushButton::clicked, Hooks().cabinet);
-    wire(cmdMenu, &QPushButton::clicked, Hooks().menuPlanner);
+    wire(cmdAddRecipe, &QPushButton::clicked, [] { OpenNewRecipeEditor(); });
+    wire(cmdSearchRecipe, &QPushButton::clicked, [] { ShowSearchWindow(); });
+    wire(cmdCabinet, &QPushButton::clicked, [] { ShowCabinetWindow(); });
+    wire(cmdMenu, &QPushButton::clicked, [] { ShowMenuWindow(); });
     connect(cmdExit, &QPushButton::clicked, this, [this] { cmdExit_Click(); });
     connect(cboRecipeType, &QComboBox::activated, this, &frmMain::cboRecipeType_Click);
 }
@@ -147,27 +152,21 @@ void frmMain::buildMenus()
     connect(mnuSearch, &QAction::triggered, cmdSearchRecipe, &QPushButton::click);
     connect(mnuCabinet, &QAction::triggered, cmdCabinet, &QPushButton::click);
     connect(mnuMenu, &QAction::triggered, cmdMenu, &QPushButton::click);
-    mnuAdd->setEnabled(bool(Hooks().addRecipe));
-    mnuSearch->setEnabled(bool(Hooks().searchRecipes));
-    mnuCabinet->setEnabled(bool(Hooks().cabinet));
-    mnuMenu->setEnabled(bool(Hooks().menuPlanner));
     connect(mnuExit, &QAction::triggered, this, [this] { cmdExit_Click(); });
 
-    const WindowHooks &hooks = Hooks();
-    wire(mnuResetFile, &QAction::triggered, hooks.resetTransferFile);
-    wire(mnuViewTransferFile, &QAction::triggered, hooks.viewTransferFile);
-    wire(mnuImport, &QAction::triggered, hooks.importTransfer);
-    wire(mnuExport, &QAction::triggered, hooks.exportTransfer);
-    wire(mnuImportMealMaster, &QAction::triggered, hooks.importMealMaster);
-    wire(mnuExportMealMaster, &QAction::triggered, hooks.exportMealMaster);
-    wire(mnuRepair, &QAction::triggered, hooks.repairCabinet);
-    wire(mnuRefresh, &QAction::triggered, hooks.refreshCabinet);
-    wire(mnuDelDup, &QAction::triggered, hooks.cleanCabinet);
-    wire(mnuBackupDB, &QAction::triggered, hooks.backupDatabase);
-    wire(mnuRestore, &QAction::triggered, hooks.restoreDatabase);
-    wire(mnuReset, &QAction::triggered, hooks.resetRatings);
-    wire(mnuSettings, &QAction::triggered, hooks.settings);
-    mnuList->setEnabled(bool(hooks.listMaintenance));
+    wire(mnuResetFile, &QAction::triggered, ResetTransferFile);
+    wire(mnuViewTransferFile, &QAction::triggered, ViewTransferFile);
+    wire(mnuImport, &QAction::triggered, ImportTransfer);
+    wire(mnuExport, &QAction::triggered, ExportTransfer);
+    wire(mnuImportMealMaster, &QAction::triggered, ImportMealMaster);
+    wire(mnuExportMealMaster, &QAction::triggered, ExportMealMaster);
+    wire(mnuRepair, &QAction::triggered, RepairCabinet);
+    wire(mnuRefresh, &QAction::triggered, RefreshCabinet);
+    wire(mnuDelDup, &QAction::triggered, CleanCabinet);
+    wire(mnuBackupDB, &QAction::triggered, BackupDatabase);
+    wire(mnuRestore, &QAction::triggered, RestoreDatabase);
+    wire(mnuReset, &QAction::triggered, ResetRatings);
+    wire(mnuSettings, &QAction::triggered, [] { ShowSettings(); });
     connect(mnuList, &QAction::triggered, this, &frmMain::mnuList_Click);
 
     connect(mnuAbout, &QAction::triggered, this, [] { ShowAbout(); });
@@ -183,8 +182,7 @@ void frmMain::Form_Load()
     m_loaded = true;
     FillRecipeTypes(cboRecipeType);
     cboRecipeType->setCurrentIndex(0);
-    if (Hooks().loadSettings)
-        Guarded(Hooks().loadSettings);
+    Guarded(LoadSettings);
 }
 
 bool frmMain::event(QEvent *event)
@@ -240,8 +238,7 @@ bool frmMain::cmdExit_Click()
 void frmMain::mnuList_Click()
 {
     MsgBox(kListWarning, Msg::Critical, QStringLiteral("Warning"));
-    if (Hooks().listMaintenance)
-        Guarded(Hooks().listMaintenance);
+    Guarded(ShowListMaintenance);
 }
 
 void frmMain::closeEvent(QCloseEvent *event)

@@ -1,6 +1,6 @@
 #include "msgbox.h"
 
-#include "userinputblock.h"
+#include "core/ui/userinputblock.h"
 
 #include <QApplication>
 #include <QDateTime>

@@ -14,7 +14,6 @@
 
 #include <memory>
 
-class QComboBox;
 struct IniDocument;
 
 // A settings-style file held in memory: read once, changed with the same rules as the
@@ -63,7 +62,5 @@ bool FileExists(const QString &path);
 void CreateIniFile(const QString &path);
 // The text after the first "=" of a key=value line.
 QString IniLineValue(const QString &line);
-// Fills a combo box with the display values of a list section.
-void LoadIniList(QComboBox *combo, const QString &section);
 // The display values of a list section (what LoadIniList adds).
 QStringList IniListValues(const QString &path, const QString &section);

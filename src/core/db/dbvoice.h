@@ -16,6 +16,20 @@ public:
     virtual bool waiting(const QString &text, int elapsedMs, int limitMs) = 0;
     // The wait is over, whichever way it ended.
     virtual void waitEnded() = 0;
+    // A task of the session's own that takes a moment (putting the file in order) starts and
+    // ends; the user sees what it is doing meanwhile.
+    virtual void working(const QString &text) = 0;
+    virtual void workEnded() = 0;
+};
+
+// Tells the voice that the session works, for the lifetime of the object.
+class DatabaseWork
+{
+public:
+    explicit DatabaseWork(const QString &text);
+    ~DatabaseWork();
+    DatabaseWork(const DatabaseWork &) = delete;
+    DatabaseWork &operator=(const DatabaseWork &) = delete;
 };
 
 // Installs the voice (not owned); nullptr leaves the session speaking to the log only.

@@ -3,8 +3,8 @@
 // mismatch, a file that cannot be written) ends the command with an "Error" box and the
 // program goes on.
 
-#include "msgbox.h"
-#include "platform.h"
+#include "core/ui/msgbox.h"
+#include "core/platform/platform.h"
 
 #include <new>
 #include <utility>

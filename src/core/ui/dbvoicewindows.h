@@ -4,3 +4,6 @@
 
 // Installs it for the rest of the program's life; called at start and by the tests' fixtures.
 void InstallWindowDatabaseVoice();
+// Shows the not-connected notice when the database is not connected; true then. Every
+// database command asks first.
+bool ReportNotConnected();

@@ -1,14 +1,12 @@
 #include "database.h"
 
-#include "datasources.h"
-#include "dbvoice.h"
-#include "modini.h"
-#include "msgbox.h"
-#include "platform.h"
-#include "programdir.h"
-#include "sqldialect.h"
-#include "sqlitefunctions.h"
-#include "statementrunner.h"
+#include "core/db/datasources.h"
+#include "core/db/dbvoice.h"
+#include "core/platform/platform.h"
+#include "core/db/sqldialect.h"
+#include "core/db/sqlitefunctions.h"
+#include "core/db/statementrunner.h"
+#include "core/db/schema.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -41,56 +39,6 @@ bool onServer(const QSqlDatabase &db)
 {
     return db.driverName() == u"QPSQL";
 }
-
-struct TableColumns {
-    const char *table;
-    std::initializer_list<const char *> columns;
-};
-
-// The tables and columns every statement counts on: values are inserted without column
-// names, so the order of the columns is part of the database's shape.
-const TableColumns kRecipeTables[] = {
-    {"RECIPE", {"id", "servings", "type", "category", "title", "prep_time", "cook_time", "notes", "rating"}},
-    {"INGREDIENTS", {"recipe_id", "ingred_id", "amount", "measure", "ingredient", "cabinet"}},
-    {"DIRECTIONS", {"recipe_id", "step", "direction"}},
-    {"CABINET", {"item", "type", "available"}},
-    {"MENU", {"ID", "parent", "key", "text"}},
-};
-
-} // namespace
-
-// Only reads: a damaged file is left exactly as it was.
-QString RecipeDatabaseProblem(QSqlDatabase &db)
-{
-    if (db.driverName() == u"QSQLITE") {
-        // The engine opens a file without looking at it: the first read tells.
-        QSqlQuery check(db);
-        if (!check.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")) || !check.next())
-            return QStringLiteral("it is not a database, or it is damaged (%1)").arg(check.lastError().databaseText());
-        if (check.value(0).toInt() == 0)
-            return QStringLiteral("it holds no tables");
-    }
-    for (const TableColumns &shape : kRecipeTables) {
-        const QString table = QLatin1String(shape.table);
-        // A server keeps unquoted names in lower case.
-        const QSqlRecord record = db.record(onServer(db) ? table.toLower() : table);
-        if (record.isEmpty())
-            return QStringLiteral("the table %1 is missing").arg(table);
-        int position = 0;
-        for (const char *column : shape.columns) {
-            if (position >= record.count() ||
-                record.fieldName(position).compare(QLatin1String(column), Qt::CaseInsensitive) != 0)
-                return QStringLiteral("the table %1 has no column %2 in its place").arg(table, QLatin1String(column));
-            ++position;
-        }
-        QSqlQuery probe(db);
-        if (!probe.exec(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" LIMIT 1")))
-            return QStringLiteral("the table %1 cannot be read (%2)").arg(table, probe.lastError().databaseText());
-    }
-    return {};
-}
-
-namespace {
 
 void prepareConnection(QSqlDatabase &db)
 {
@@ -185,22 +133,6 @@ void ConfigureConnection(QSqlDatabase &db, const DataSource &source)
     }
 }
 
-QString RecipeDatabaseProblem(const QString &file)
-{
-    if (!QFileInfo(file).isFile())
-        return QStringLiteral("the file does not exist");
-    const QString name = QStringLiteral("check-") + QUuid::createUuid().toString();
-    QString problem;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(file);
-        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-        problem = db.open() ? RecipeDatabaseProblem(db) : db.lastError().text();
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
-    return problem;
-}
 
 void CloseDatabase()
 {
@@ -291,22 +223,6 @@ Recordset ExecuteSQL(const QString &sql)
     return ExecuteSQL(copy);
 }
 
-void RecordMaxRecipeID()
-{
-    gMaxRecipeID = ToInt16(Val(GetIniValue(IniPath(), QStringLiteral("Misc"),
-                                           QStringLiteral("MaxRecipeID"))));
-    if (gMaxRecipeID != 0 || gNotConnected)
-        return;
-    gSQL = QStringLiteral("SELECT MAX(id) FROM RECIPE");
-    const Recordset rs = ExecuteSQL(gSQL);
-    // An empty table still answers one row, holding NULL: nothing to record then.
-    if (!rs || rs.eof() || rs.value(0).isNull())
-        return;
-    const qint16 highest = ToInt16(rs.value(0).toDouble());
-    WriteIniValue(IniPath(), QStringLiteral("Misc"),
-                  QStringLiteral("MaxRecipeID=") + QString::number(highest));
-    gMaxRecipeID = highest;
-}
 
 qint32 NextId(const QString &table)
 {
@@ -316,23 +232,7 @@ qint32 NextId(const QString &table)
     return rs.value(0).toInt() + 1;
 }
 
-QString PrepareSearchText(QString &text)
-{
-    text = Trim(text);
-    QString prepared = text;
-    prepared.replace(u'\'', QStringLiteral("''"));
-    return prepared.toUpper();
-}
 
-bool ReportNotConnected()
-{
-    if (!gNotConnected)
-        return false;
-    MsgBox(QStringLiteral("Because you were not able to connect to the database, this function "
-                          "has been disabled."),
-           Msg::Ok, QStringLiteral("Message"));
-    return true;
-}
 
 namespace {
 

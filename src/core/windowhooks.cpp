@@ -1,7 +1,0 @@
-#include "windowhooks.h"
-
-WindowHooks &Hooks()
-{
-    static WindowHooks hooks;
-    return hooks;
-}
