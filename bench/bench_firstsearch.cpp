@@ -45,10 +45,11 @@ double rssMiB(const char *field)
 // all the same).
 void writeRecipes()
 {
-    static const char *const kDishes[] = {"Apple Pie", "Beef Stew", "Lentil Soup", "Banana Bread", "Fish Tacos",
-                                          "Pasta Bake", "Rice Pudding", "Green Salad", "Pancakes", "Curry"};
-    static const char *const kItems[] = {"Flour", "Sugar", "Butter", "Eggs", "Milk", "Onion, chopped", "Olive oil",
-                                         "Salt", "Pepper", "Tomatoes", "Carrots", "Rice", "Lemon", "Parsley"};
+    static const char *const kDishes[] = {"Apple Pie",  "Beef Stew",    "Lentil Soup", "Banana Bread", "Fish Tacos",
+                                          "Pasta Bake", "Rice Pudding", "Green Salad", "Pancakes",     "Curry"};
+    static const char *const kItems[] = {"Flour",          "Sugar",     "Butter", "Eggs",   "Milk",
+                                         "Onion, chopped", "Olive oil", "Salt",   "Pepper", "Tomatoes",
+                                         "Carrots",        "Rice",      "Lemon",  "Parsley"};
     QRandomGenerator random(15);
     StatementBatch batch;
     for (int id = 1; id <= kRecipes; ++id) {
@@ -65,13 +66,14 @@ void writeRecipes()
         const int lines = random.bounded(6, 14);
         for (int n = 1; n <= lines; ++n) {
             const QString item = random.bounded(100) < 1 ? QStringLiteral("Garlic cloves") // about 2,400 recipes
-                                                          : QLatin1String(kItems[random.bounded(14)]);
+                                                         : QLatin1String(kItems[random.bounded(14)]);
             r.ingredients.append({QStringLiteral("%1").arg(n, 2, 10, QLatin1Char('0')), QStringLiteral("1"),
                                   QStringLiteral("cup"), item, item.section(u',', 0, 0).toLower()});
         }
         for (int n = 1; n <= 6; ++n)
-            r.directions.append({QStringLiteral("%1").arg(n, 2, 10, QLatin1Char('0')),
-                                 QStringLiteral("Stir the pot gently and let it simmer for a few minutes, step %1.").arg(n)});
+            r.directions.append(
+                {QStringLiteral("%1").arg(n, 2, 10, QLatin1Char('0')),
+                 QStringLiteral("Stir the pot gently and let it simmer for a few minutes, step %1.").arg(n)});
         if (!StoreRecipe(r, id, false))
             qFatal("cannot save recipe %d", id);
     }
@@ -150,13 +152,14 @@ int main(int argc, char *argv[])
             const char *firstGoal;
             const char *againGoal;
         };
-        for (const Kind &kind : {Kind{"title", "< 12 ms", "< 8 ms"}, Kind{"ingredient", "< 45 ms", "< 40 ms"},
-                                 Kind{"all", nullptr, nullptr}}) {
+        for (const Kind &kind : {Kind {"title", "< 12 ms", "< 8 ms"}, Kind {"ingredient", "< 45 ms", "< 40 ms"},
+                                 Kind {"all", nullptr, nullptr}}) {
             QList<double> first, again, idle, after;
             int hits = 0;
             for (int run = 0; run < 5; ++run) {
                 QProcess child;
-                child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--child"), QLatin1String(kind.name)});
+                child.start(QCoreApplication::applicationFilePath(),
+                            {QStringLiteral("--child"), QLatin1String(kind.name)});
                 if (!child.waitForFinished(120000) || child.exitCode() != 0)
                     qFatal("the search run failed: %s", child.readAllStandardError().constData());
                 QHash<QByteArray, double> figures;
@@ -174,8 +177,10 @@ int main(int argc, char *argv[])
             PrintFigure((name + ".again.ms").constData(), Median(again), "ms", kind.againGoal);
             std::printf("%s.hits: %d recipes\n", name.constData(), hits);
             if (qstrcmp(kind.name, "ingredient") == 0) {
-                PrintFigure((QByteArray("firstsearch.") + stage + "rss_idle.mib").constData(), Median(idle), "MiB", "< 40 MiB");
-                PrintFigure((QByteArray("firstsearch.") + stage + "rss_after_searches.mib").constData(), Median(after), "MiB", "< 80 MiB");
+                PrintFigure((QByteArray("firstsearch.") + stage + "rss_idle.mib").constData(), Median(idle), "MiB",
+                            "< 40 MiB");
+                PrintFigure((QByteArray("firstsearch.") + stage + "rss_after_searches.mib").constData(), Median(after),
+                            "MiB", "< 80 MiB");
             }
         }
     };

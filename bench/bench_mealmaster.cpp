@@ -22,14 +22,26 @@ constexpr int kRecipes = 30000;
 // Writes the collection line by line, as MealMaster itself lays it out.
 void generateCollection(const QString &path)
 {
-    static const char *const kItems[] = {"Flour, all-purpose", "Sugar", "Butter; softened", "Eggs", "Milk",
-                                         "Onion, chopped", "Garlic cloves, minced", "Olive oil", "Salt",
-                                         "Black pepper, freshly ground", "Chicken breasts", "Tomatoes (canned)",
-                                         "Saffron threads", "Parsley; chopped", "Lemon juice", "Rice"};
+    static const char *const kItems[] = {"Flour, all-purpose",
+                                         "Sugar",
+                                         "Butter; softened",
+                                         "Eggs",
+                                         "Milk",
+                                         "Onion, chopped",
+                                         "Garlic cloves, minced",
+                                         "Olive oil",
+                                         "Salt",
+                                         "Black pepper, freshly ground",
+                                         "Chicken breasts",
+                                         "Tomatoes (canned)",
+                                         "Saffron threads",
+                                         "Parsley; chopped",
+                                         "Lemon juice",
+                                         "Rice"};
     static const char *const kCodes[] = {"c ", "ts", "tb", "lb", "oz", "  ", "pn", "g ", "cn", "ml"};
     static const char *const kAmounts[] = {"      1", "    1/2", "  1 1/2", "      2", "    3/4", "       ", "     10"};
-    static const char *const kWords[] = {"stir", "the", "mixture", "until", "smooth", "and", "bake", "in", "a",
-                                         "moderate", "oven", "for", "about", "minutes", "then", "serve", "warm"};
+    static const char *const kWords[] = {"stir",     "the",  "mixture", "until", "smooth",  "and",  "bake",  "in",  "a",
+                                         "moderate", "oven", "for",     "about", "minutes", "then", "serve", "warm"};
     QRandomGenerator random(30000);
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))

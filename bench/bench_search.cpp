@@ -65,18 +65,19 @@ int main(int argc, char *argv[])
         search.chkCabinet->setChecked(false);
         gSettings.OnlyNewRecipes = true;
         gMaxRecipeID = 27500;
-        const double ms = medianMs(7, [&] {
-            RunUntilPainted(search.lvwRecipes->viewport(), [&] { search.cmdSearch_Click(); });
-        });
+        const double ms =
+            medianMs(7, [&] { RunUntilPainted(search.lvwRecipes->viewport(), [&] { search.cmdSearch_Click(); }); });
         PrintFigure("search.list_2500.ms", ms, "ms", "< 5 ms");
         std::printf("search.list_2500.hits: %d recipes\n", int(search.lvwRecipes->topLevelItemCount()));
         gSettings.OnlyNewRecipes = false;
     }
     // The longest title criterion the engine takes, nearly matching every title: the matcher
     // must stay about linear in the title, whatever the pattern.
-    measure("search.title_50k_pattern", nullptr, [&] { search.txtTitle->setText(QString(24997, u'e') + QStringLiteral("%x")); });
+    measure("search.title_50k_pattern", nullptr,
+            [&] { search.txtTitle->setText(QString(24997, u'e') + QStringLiteral("%x")); });
 
-    PrintFigure("cabinet.available_list.ms", medianMs(7, [] { BuildAvailableRecipeList(QStringLiteral("Food")); }), "ms");
+    PrintFigure("cabinet.available_list.ms", medianMs(7, [] { BuildAvailableRecipeList(QStringLiteral("Food")); }),
+                "ms");
 
     int lines = 0;
     SetPrintPreviewSink([&](const RecipePrinter &p) { lines = int(p.lines().size()); });

@@ -83,7 +83,9 @@ bool copyRows(const QString &file, QSqlDatabase &server)
             QStringList values;
             const auto flush = [&] {
                 if (!values.isEmpty())
-                    ok = ok && run(server, QStringLiteral("INSERT INTO %1 VALUES %2").arg(QLatin1String(table), values.join(u',')));
+                    ok = ok &&
+                         run(server,
+                             QStringLiteral("INSERT INTO %1 VALUES %2").arg(QLatin1String(table), values.join(u',')));
                 values.clear();
             };
             while (ok && rows.next()) {
@@ -109,7 +111,8 @@ bool copyRows(const QString &file, QSqlDatabase &server)
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
-    if (QDir(QStringLiteral("/usr/lib/postgresql")).isEmpty() || !QSqlDatabase::isDriverAvailable(QStringLiteral("QPSQL"))) {
+    if (QDir(QStringLiteral("/usr/lib/postgresql")).isEmpty() ||
+        !QSqlDatabase::isDriverAvailable(QStringLiteral("QPSQL"))) {
         std::printf("server: PostgreSQL or its Qt driver is not installed; no figures\n");
         return 0;
     }
@@ -184,8 +187,8 @@ int main(int argc, char *argv[])
     for (qsizetype i = 0; i < onServer.size(); ++i) {
         const auto &[name, server] = onServer[i];
         const Figures &file = onFile[i].second;
-        std::printf("server.%s.ms: %.1f ms (file: %.1f ms; %d hits, file %d)\n", name, server.ms, file.ms,
-                    server.hits, file.hits);
+        std::printf("server.%s.ms: %.1f ms (file: %.1f ms; %d hits, file %d)\n", name, server.ms, file.ms, server.hits,
+                    file.hits);
         if (server.hits != file.hits)
             status = 1;
     }

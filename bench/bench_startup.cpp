@@ -54,8 +54,8 @@ int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
     const int recipes = qEnvironmentVariableIntValue("MIREPAN_BENCH_RECIPES") > 0
-                            ? qEnvironmentVariableIntValue("MIREPAN_BENCH_RECIPES")
-                            : 30000;
+                          ? qEnvironmentVariableIntValue("MIREPAN_BENCH_RECIPES")
+                          : 30000;
     QTemporaryDir home;
     const QString bin = QCoreApplication::applicationDirPath() + QStringLiteral("/../bin");
     QFile::copy(bin + QStringLiteral("/pantrio.ini"), home.filePath(QStringLiteral("pantrio.ini")));

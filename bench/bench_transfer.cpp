@@ -67,8 +67,7 @@ int main(int argc, char *argv[])
     PrintFigure("transfer.export_1000.ms", exportMs, "ms", "< 500 ms");
     PrintFigure("transfer.export_1000_keybykey.ms", rewriting, "ms");
     PrintFigure("transfer.export_keybykey_ratio", rewriting / exportMs, "x");
-    PrintFigure("transfer.export_identical", exported == contents(keyByKey) ? 1 : 0,
-                "bool", "1");
+    PrintFigure("transfer.export_identical", exported == contents(keyByKey) ? 1 : 0, "bool", "1");
     PrintFigure("transfer.import_1000.ms", Median(imports), "ms", "< 500 ms");
     PrintFigure("transfer.import_100mb_junk.ms", junkImport, "ms");
     return 0;

@@ -23,14 +23,13 @@
 
 namespace {
 
-const QStringList kDishes = {"Pie", "Soup", "Stew", "Salad", "Bread", "Casserole", "Curry",
-                             "Risotto", "Tart", "Cake", "Pasta", "Chili", "Gratin", "Omelette"};
-const QStringList kAdjectives = {"Apple", "Mom's", "Spicy", "Country", "Garden", "Lemon",
-                                 "Harvest", "Smoky", "Golden", "Rustic", "Sunday", "Winter"};
-const QStringList kItems = {"onion", "garlic", "butter", "flour", "sugar", "salt", "pepper",
-                            "egg", "milk", "carrot", "celery", "potato", "tomato", "rice",
-                            "olive oil", "chicken", "beef", "lemon", "parsley", "thyme",
-                            "cheese", "cream", "apple", "cinnamon", "yeast", "honey"};
+const QStringList kDishes = {"Pie",     "Soup", "Stew", "Salad", "Bread", "Casserole", "Curry",
+                             "Risotto", "Tart", "Cake", "Pasta", "Chili", "Gratin",    "Omelette"};
+const QStringList kAdjectives = {"Apple",   "Mom's", "Spicy",  "Country", "Garden", "Lemon",
+                                 "Harvest", "Smoky", "Golden", "Rustic",  "Sunday", "Winter"};
+const QStringList kItems = {"onion",   "garlic", "butter", "flour",  "sugar", "salt",      "pepper",  "egg",  "milk",
+                            "carrot",  "celery", "potato", "tomato", "rice",  "olive oil", "chicken", "beef", "lemon",
+                            "parsley", "thyme",  "cheese", "cream",  "apple", "cinnamon",  "yeast",   "honey"};
 const QStringList kAmounts = {"1/4", "1/2", "3/4", "1", "1 1/2", "2", "3", "---"};
 const QStringList kMeasures = {"tsp", "Tbsp", "cup", "oz", "lb", "g", "clove", "---"};
 const QStringList kCategories = {"Main Dishes", "Soups", "Desserts", "Breads", "Salads"};
@@ -62,7 +61,7 @@ void GenerateRecipeDatabase(const QString &path, int recipes)
         ingredient.prepare(QStringLiteral("INSERT INTO INGREDIENTS VALUES (?, ?, ?, ?, ?, ?)"));
         direction.prepare(QStringLiteral("INSERT INTO DIRECTIONS VALUES (?, ?, ?)"));
         cabinet.prepare(QStringLiteral("INSERT OR IGNORE INTO CABINET VALUES (?, ?, ?)"));
-        for (const QString &item : kItems + QStringList{QStringLiteral("saffron")}) {
+        for (const QString &item : kItems + QStringList {QStringLiteral("saffron")}) {
             cabinet.addBindValue(item);
             cabinet.addBindValue(QStringLiteral("F"));
             cabinet.addBindValue(random.bounded(2));
@@ -75,7 +74,9 @@ void GenerateRecipeDatabase(const QString &path, int recipes)
             recipe.addBindValue(QStringLiteral("F"));
             recipe.addBindValue(pick(random, kCategories));
             recipe.addBindValue(pick(random, kAdjectives) + u' ' + pick(random, kDishes) + u' ' + QString::number(id));
-            recipe.addBindValue(QStringLiteral("%1:%2").arg(minutes / 60, 2, 10, QLatin1Char('0')).arg(minutes % 60, 2, 10, QLatin1Char('0')));
+            recipe.addBindValue(QStringLiteral("%1:%2")
+                                    .arg(minutes / 60, 2, 10, QLatin1Char('0'))
+                                    .arg(minutes % 60, 2, 10, QLatin1Char('0')));
             recipe.addBindValue(QStringLiteral("00:45"));
             recipe.addBindValue(id % 3 ? QString() : QStringLiteral("Family favourite."));
             recipe.addBindValue(QString(random.bounded(6), u'*'));
@@ -105,7 +106,8 @@ void GenerateRecipeDatabase(const QString &path, int recipes)
             for (int step = 1; step <= steps; ++step) {
                 direction.addBindValue(id);
                 direction.addBindValue(step);
-                direction.addBindValue(QStringLiteral("Stir the pot gently and let it simmer for a few minutes, step %1.").arg(step));
+                direction.addBindValue(
+                    QStringLiteral("Stir the pot gently and let it simmer for a few minutes, step %1.").arg(step));
                 direction.exec();
             }
         }
@@ -126,8 +128,8 @@ public:
     }
     QString inputBox(const QString &, const QString &, const QString &defaultText) override { return defaultText; }
     QString fileName(const QString &, const QString &current) override { return current; }
-    void showModal(QDialog *) override {}
-    void wait(double) override {}
+    void showModal(QDialog *) override { }
+    void wait(double) override { }
 };
 
 } // namespace
@@ -137,8 +139,7 @@ struct BenchHome::Private {
     YesResponder yes;
 };
 
-BenchHome::BenchHome(int recipes)
-    : d(std::make_unique<Private>())
+BenchHome::BenchHome(int recipes) : d(std::make_unique<Private>())
 {
     qputenv("MIREPAN_HOME", d->dir.path().toUtf8());
     qputenv("MIREPAN_DATASOURCES", path(QStringLiteral("datasources.ini")).toUtf8());

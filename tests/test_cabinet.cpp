@@ -20,14 +20,17 @@ namespace {
 
 void addItem(const char *item, const char *type, bool available = false)
 {
-    ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('%1', '%2', %3)").arg(QLatin1String(item), QLatin1String(type)).arg(available ? 1 : 0));
+    ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('%1', '%2', %3)")
+                   .arg(QLatin1String(item), QLatin1String(type))
+                   .arg(available ? 1 : 0));
 }
 
 // The cabinet of a type as "item" or "item*" (available), in item order.
 QStringList cabinet(const char *type)
 {
     QStringList items;
-    for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT item, available FROM CABINET WHERE type = '%1' ORDER BY item").arg(QLatin1String(type)));
+    for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT item, available FROM CABINET WHERE type = '%1' ORDER BY item")
+                                       .arg(QLatin1String(type)));
          rs && !rs.eof(); rs.MoveNext())
         items.append(rs.text(0) + (rs.integer(1) ? QStringLiteral("*") : QString()));
     return items;
@@ -85,15 +88,24 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("stem");
-        QTest::newRow("comma") << "onion, chopped" << "onion";
-        QTest::newRow("parenthesis") << "tomatoes (canned)" << "tomatoes";
-        QTest::newRow("or") << "salt or pepper" << "salt";
-        QTest::newRow("OR in any case") << "bread OR rolls" << "bread";
-        QTest::newRow("too short a stem") << "1-2 eggs" << "1-2 eggs";
-        QTest::newRow("slash, trimmed") << "  rice / beans" << "rice";
-        QTest::newRow("the first delimiter counts") << "flour (plain), sifted" << "flour";
-        QTest::newRow("delimiter at the end") << "garlic-" << "garlic-";
-        QTest::newRow("no delimiter") << "  Crème fraîche " << "Crème fraîche";
+        QTest::newRow("comma") << "onion, chopped"
+                               << "onion";
+        QTest::newRow("parenthesis") << "tomatoes (canned)"
+                                     << "tomatoes";
+        QTest::newRow("or") << "salt or pepper"
+                            << "salt";
+        QTest::newRow("OR in any case") << "bread OR rolls"
+                                        << "bread";
+        QTest::newRow("too short a stem") << "1-2 eggs"
+                                          << "1-2 eggs";
+        QTest::newRow("slash, trimmed") << "  rice / beans"
+                                        << "rice";
+        QTest::newRow("the first delimiter counts") << "flour (plain), sifted"
+                                                    << "flour";
+        QTest::newRow("delimiter at the end") << "garlic-"
+                                              << "garlic-";
+        QTest::newRow("no delimiter") << "  Crème fraîche "
+                                      << "Crème fraîche";
     }
     void stems()
     {
@@ -111,14 +123,14 @@ private Q_SLOTS:
         w.show();
         QCOMPARE(gSubWindows, qint16(1));
         QCOMPARE(w.cboRecipeType->currentText(), QStringLiteral("Food"));
-        QCOMPARE(shown(w), (QStringList{"pepper*", "salt"}));
+        QCOMPARE(shown(w), (QStringList {"pepper*", "salt"}));
         SaveScreenshot(&w, QStringLiteral("frmCabinet"));
         w.lvwCabinet->topLevelItem(1)->setCheckState(0, Qt::Checked); // by the user
         QVERIFY(w.changed());
         w.cboRecipeType->setCurrentIndex(1);
         w.cboRecipeType_Click();
-        QCOMPARE(cabinet("F"), (QStringList{"pepper*", "salt*"}));
-        QCOMPARE(shown(w), QStringList{QStringLiteral("lime")});
+        QCOMPARE(cabinet("F"), (QStringList {"pepper*", "salt*"}));
+        QCOMPARE(shown(w), QStringList {QStringLiteral("lime")});
         QCOMPARE(gRecipeType, QStringLiteral("Drink"));
         QVERIFY(!w.changed());
         w.close(); // nothing unsaved: no question
@@ -132,31 +144,33 @@ private Q_SLOTS:
         frmCabinet w;
         w.show();
         w.cmdAll_Click();
-        QCOMPARE(shown(w), (QStringList{"a*", "b*", "c*", "d*"}));
+        QCOMPARE(shown(w), (QStringList {"a*", "b*", "c*", "d*"}));
         selectItems(w, {"b", "c"});
         w.cmdClearSelected_Click();
-        QCOMPARE(shown(w), (QStringList{"a*", "b", "c", "d*"}));
+        QCOMPARE(shown(w), (QStringList {"a*", "b", "c", "d*"}));
         selectItems(w, {"a", "b"});
         w.cmdToggle_Click();
-        QCOMPARE(shown(w), (QStringList{"a", "b*", "c", "d*"}));
+        QCOMPARE(shown(w), (QStringList {"a", "b*", "c", "d*"}));
         w.cmdNone_Click();
         selectItems(w, {"c"});
         w.cmdSelected_Click();
-        QCOMPARE(shown(w), (QStringList{"a", "b", "c*", "d"}));
+        QCOMPARE(shown(w), (QStringList {"a", "b", "c*", "d"}));
         QVERIFY(w.changed());
         m_boxes->answer(MsgResult::No); // keep the window
         w.cmdClose_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You have not saved your changes.\n\nWould you like to close your Cabinet without saving?")});
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList {QStringLiteral(
+                     "You have not saved your changes.\n\nWould you like to close your Cabinet without saving?")});
         QVERIFY(w.isVisible());
         w.cmdSave_Click();
-        QCOMPARE(cabinet("F"), (QStringList{"a", "b", "c*", "d"}));
+        QCOMPARE(cabinet("F"), (QStringList {"a", "b", "c*", "d"}));
         w.cmdPrint_Click();
         QCOMPARE(m_printed.size(), 1);
         QCOMPARE(m_printed[0].fileName(), m_home->path("cabinet.txt"));
         QStringList lines;
         for (const PrintLine &line : m_printed[0].lines())
             lines.append(line.text());
-        QCOMPARE(lines, (QStringList{"Food Cabinet", "", "   a", "   b", " * c", "   d"}));
+        QCOMPARE(lines, (QStringList {"Food Cabinet", "", "   a", "   b", " * c", "   d"}));
         w.cmdClose_Click();
         QVERIFY(!w.isVisible());
     }
@@ -169,17 +183,20 @@ private Q_SLOTS:
         frmCabinet w;
         w.show();
         // Added exactly as typed, whatever the letters; the window is then changed.
-        for (const QString &item : {QStringLiteral("Crème fraîche"), QStringLiteral("Mom's 100% jam"), QString(10000, u'z')}) {
+        for (const QString &item :
+             {QStringLiteral("Crème fraîche"), QStringLiteral("Mom's 100% jam"), QString(10000, u'z')}) {
             m_boxes->answerInput(item);
             w.cmdAdd_Click();
         }
         QCOMPARE(m_boxes->inputPrompts.first(), QStringLiteral("What item do you wish to add to the Cabinet?"));
-        QCOMPARE(cabinet("F"), (QStringList{"Crème fraîche", "mint", "Mom's 100% jam", QString(10000, u'z')}));
+        QCOMPARE(cabinet("F"), (QStringList {"Crème fraîche", "mint", "Mom's 100% jam", QString(10000, u'z')}));
         QVERIFY(w.changed());
         // A name the statement cannot carry is refused by name, and nothing else changes.
         m_boxes->answerInput(QStringLiteral("Salt (coarse')"));
         w.cmdAdd_Click();
-        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The item \"Salt (coarse')\" cannot be stored as it stands: an apostrophe next to a comma or a parenthesis would end it there."));
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("The item \"Salt (coarse')\" cannot be stored as it stands: an apostrophe next to a "
+                                "comma or a parenthesis would end it there."));
         QCOMPARE(cabinet("F").size(), 4);
         // Deleting removes the item from every type's cabinet.
         m_boxes->answer(MsgResult::Yes);
@@ -191,7 +208,7 @@ private Q_SLOTS:
         m_boxes->answer(MsgResult::Yes);
         w.cmdDelete_Click();
         QCOMPARE(cabinet("F").size(), 3);
-        QCOMPARE(cabinet("D"), QStringList{QStringLiteral("sugar")});
+        QCOMPARE(cabinet("D"), QStringList {QStringLiteral("sugar")});
         // A tick on a name with an apostrophe cannot be saved: said, the others saved.
         w.cmdAll_Click();
         w.cmdSave_Click();
@@ -210,15 +227,19 @@ private Q_SLOTS:
         addItem("Mom's jam", "F"); // its name ends early in the statements: passed over, named
         m_boxes->answer(MsgResult::Yes); // clean
         m_boxes->answer(MsgResult::Yes); // saffron
-        m_boxes->answer(MsgResult::No);  // thyme
+        m_boxes->answer(MsgResult::No); // thyme
         CleanCabinet();
-        QCOMPARE(m_boxes->prompts(), (QStringList{
-            "Cleaning the Cabinet will attempt to remove any ingredients from the cabinet that are not specified as ingredients in the collection of recipes.\n\nWould you like to continue?",
-            "Would you like to remove saffron from the cabinet?", "Would you like to remove thyme from the cabinet?",
-            "These names could not be checked, as an apostrophe in a name ends it in the database's statements; change them in their recipes:\n\nMom's jam",
-            "The cabinet has been cleaned!"}));
+        QCOMPARE(
+            m_boxes->prompts(),
+            (QStringList {"Cleaning the Cabinet will attempt to remove any ingredients from the cabinet that are not "
+                          "specified as ingredients in the collection of recipes.\n\nWould you like to continue?",
+                          "Would you like to remove saffron from the cabinet?",
+                          "Would you like to remove thyme from the cabinet?",
+                          "These names could not be checked, as an apostrophe in a name ends it in the database's "
+                          "statements; change them in their recipes:\n\nMom's jam",
+                          "The cabinet has been cleaned!"}));
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Information"));
-        QCOMPARE(cabinet("F"), (QStringList{"Mom's jam", "salt", "thyme"}));
+        QCOMPARE(cabinet("F"), (QStringList {"Mom's jam", "salt", "thyme"}));
         QCOMPARE(cabinet("D"), QStringList());
     }
 
@@ -232,19 +253,22 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The cabinet has been refreshed!"));
         QCOMPARE(m_boxes->boxes.last().style.icon, MsgIcon::Information);
         QCOMPARE(m_boxes->boxes.size(), 2); // no failure box for the pair already there
-        QCOMPARE(cabinet("F"), (QStringList{"onion", "Salt*"}));
-        QCOMPARE(cabinet("D"), (QStringList{"lime", "salt"}));
+        QCOMPARE(cabinet("F"), (QStringList {"onion", "Salt*"}));
+        QCOMPARE(cabinet("D"), (QStringList {"lime", "salt"}));
     }
 
     void repairProposesStemsAndRenamesEveryRow()
     {
         // A cabinet name that holds the stem already is found as its own suggestion: left.
-        storeRecipe(1, "Food", {"1|cup|scallions, sliced|green onion sliced", "1|cup|tomatoes (canned)|tomatoes canned"});
+        storeRecipe(1, "Food",
+                    {"1|cup|scallions, sliced|green onion sliced", "1|cup|tomatoes (canned)|tomatoes canned"});
         storeRecipe(2, "Food", {"1|cup|scallions, sliced|green onion sliced", "1|cup|basil|basil"});
         m_boxes->answer(MsgResult::Yes); // repair
         m_boxes->answer(MsgResult::Yes); // the change
         RepairCabinet();
-        QCOMPARE(m_boxes->prompts().at(1), QStringLiteral("Change the following?\n\nIngredient: scallions, sliced\nCurrently in cabinet as: green onion sliced\nNew cabinet suggestion: scallions"));
+        QCOMPARE(m_boxes->prompts().at(1),
+                 QStringLiteral("Change the following?\n\nIngredient: scallions, sliced\nCurrently in cabinet as: "
+                                "green onion sliced\nNew cabinet suggestion: scallions"));
         QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The cabinet is in order!"));
         QCOMPARE(m_boxes->boxes.size(), 3);
         QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE cabinet = 'scallions'"), 2);
@@ -260,11 +284,13 @@ private Q_SLOTS:
             tool();
         }
         QCOMPARE(m_boxes->boxes.size(), 3);
-        QCOMPARE(cabinet("F"), QStringList{QStringLiteral("thyme")});
+        QCOMPARE(cabinet("F"), QStringList {QStringLiteral("thyme")});
         CloseDatabase();
         m_boxes->answer(MsgResult::Yes);
         RefreshCabinet();
-        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Because you were not able to connect to the database, all cabinet tools were disabled."));
+        QCOMPARE(
+            m_boxes->prompts().last(),
+            QStringLiteral("Because you were not able to connect to the database, all cabinet tools were disabled."));
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
     }
 

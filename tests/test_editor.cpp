@@ -113,7 +113,8 @@ private Q_SLOTS:
         m_boxes->answer(MsgResult::No);
         f->cmdClose_Click();
         QVERIFY(f->isVisible());
-        QCOMPARE(m_boxes->boxes[0].prompt, QStringLiteral("Closing the New Recipe Entry Form will cause you to lose all unsaved data.\n\nDo you wish to close anyway?"));
+        QCOMPARE(m_boxes->boxes[0].prompt, QStringLiteral("Closing the New Recipe Entry Form will cause you to lose "
+                                                          "all unsaved data.\n\nDo you wish to close anyway?"));
         m_boxes->answer(MsgResult::Yes);
         f->cmdClose_Click();
         QVERIFY(!f->isVisible());
@@ -136,20 +137,28 @@ private Q_SLOTS:
         QVERIFY(!e->RecipeChange);
         QVERIFY(e->EditMode);
         QCOMPARE(e->RecipeID, 9);
-        QCOMPARE(m_boxes->boxes[0].prompt, QStringLiteral("Are you sure you want to erase all data for the current recipe?"));
+        QCOMPARE(m_boxes->boxes[0].prompt,
+                 QStringLiteral("Are you sure you want to erase all data for the current recipe?"));
     }
 
     void timesAreNormalisedOnLeaving_data()
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("hours and minutes") << "130" << "01:30";
-        QTest::newRow("with colon") << "1:30" << "01:30";
-        QTest::newRow("minutes only") << "5" << "00:05";
-        QTest::newRow("no range check") << "7:5" << "00:75";
-        QTest::newRow("many hours") << "12345" << "123:45";
-        QTest::newRow("empty") << "" << "00:00";
-        QTest::newRow("words") << "soon" << "00:00";
+        QTest::newRow("hours and minutes") << "130"
+                                           << "01:30";
+        QTest::newRow("with colon") << "1:30"
+                                    << "01:30";
+        QTest::newRow("minutes only") << "5"
+                                      << "00:05";
+        QTest::newRow("no range check") << "7:5"
+                                        << "00:75";
+        QTest::newRow("many hours") << "12345"
+                                    << "123:45";
+        QTest::newRow("empty") << ""
+                               << "00:00";
+        QTest::newRow("words") << "soon"
+                               << "00:00";
     }
     void timesAreNormalisedOnLeaving()
     {
@@ -177,14 +186,15 @@ private Q_SLOTS:
             m_boxes->clear();
             typeIngredient(*e, fields[0], fields[1], fields[2], fields[3]);
             e->cmdIngAdd_Click();
-            QCOMPARE(m_boxes->prompts(), QStringList{message});
+            QCOMPARE(m_boxes->prompts(), QStringList {message});
             QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Information Required"));
             QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::None);
         }
         QCOMPARE(e->lvwIngredients->topLevelItemCount(), 0);
-        typeIngredient(*e, QStringLiteral("---"), QStringLiteral("---"), QStringLiteral("Salt"), QStringLiteral("salt"));
+        typeIngredient(*e, QStringLiteral("---"), QStringLiteral("---"), QStringLiteral("Salt"),
+                       QStringLiteral("salt"));
         e->cmdIngAdd_Click(); // "---" is filled
-        QCOMPARE(ColumnTexts(e->lvwIngredients, 1), QStringList{QStringLiteral("---")});
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 1), QStringList {QStringLiteral("---")});
         QCOMPARE(e->cboAmount->currentText(), QStringLiteral("---"));
         QCOMPARE(e->txtItem->text(), QString());
         QCOMPARE(e->SelectedIngredient, -1);
@@ -195,7 +205,7 @@ private Q_SLOTS:
         auto e = onePage();
         for (const char *item : {"Flour", "Sugar", "Eggs", "Milk", "Salt"})
             addIngredient(*e, QLatin1String(item));
-        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList {"01", "02", "03", "04", "05"}));
 
         // Clicking a line and adding it unchanged still asks; No overwrites (the default).
         select(e->lvwIngredients, 1);
@@ -204,9 +214,11 @@ private Q_SLOTS:
         e->txtItem->setText(QStringLiteral("Brown sugar"));
         m_boxes->answer(MsgResult::No);
         e->cmdIngAdd_Click();
-        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("You have attempted to change an ingredient.  The default process will Overwrite the old Ingredient.\n\nWould you like to Insert the new ingredient instead?"));
+        QCOMPARE(m_boxes->boxes.last().prompt,
+                 QStringLiteral("You have attempted to change an ingredient.  The default process will Overwrite the "
+                                "old Ingredient.\n\nWould you like to Insert the new ingredient instead?"));
         QVERIFY(m_boxes->boxes.last().style.defaultNo);
-        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), (QStringList{"Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), (QStringList {"Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
 
         // Inserting before line 1 renumbers every line.
         select(e->lvwIngredients, 0);
@@ -214,15 +226,16 @@ private Q_SLOTS:
         e->txtItem->setText(QStringLiteral("Butter"));
         m_boxes->answer(MsgResult::Yes);
         e->cmdIngAdd_Click();
-        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), (QStringList{"Butter", "Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
-        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05", "06"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 3),
+                 (QStringList {"Butter", "Flour", "Brown sugar", "Eggs", "Milk", "Salt"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList {"01", "02", "03", "04", "05", "06"}));
 
         // Removing line 3 renumbers the rest.
         select(e->lvwIngredients, 2);
         m_boxes->answer(MsgResult::Yes);
         e->cmdIngRemove_Click();
-        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), (QStringList{"Butter", "Flour", "Eggs", "Milk", "Salt"}));
-        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList{"01", "02", "03", "04", "05"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), (QStringList {"Butter", "Flour", "Eggs", "Milk", "Salt"}));
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 0), (QStringList {"01", "02", "03", "04", "05"}));
 
         e->lvwIngredients->setCurrentItem(nullptr);
         e->cmdIngRemove_Click();
@@ -234,12 +247,18 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("beyond the end") << "9" << "04";
-        QTest::newRow("zero") << "0" << "04";
-        QTest::newRow("negative") << "-2" << "02";
-        QTest::newRow("words") << "x" << "04";
-        QTest::newRow("within") << "3" << "03";
-        QTest::newRow("one digit") << "2" << "02";
+        QTest::newRow("beyond the end") << "9"
+                                        << "04";
+        QTest::newRow("zero") << "0"
+                              << "04";
+        QTest::newRow("negative") << "-2"
+                                  << "02";
+        QTest::newRow("words") << "x"
+                               << "04";
+        QTest::newRow("within") << "3"
+                                << "03";
+        QTest::newRow("one digit") << "2"
+                                   << "02";
     }
     void stepNumbersOnLeaving()
     {
@@ -259,7 +278,7 @@ private Q_SLOTS:
         if (existing)
             m_boxes->answer(MsgResult::No); // overwrite
         addStep(*e, QStringLiteral("Rest"));
-        const QStringList numbers = existing ? QStringList{"01", "02", "03"} : QStringList{"01", "02", "03", "04"};
+        const QStringList numbers = existing ? QStringList {"01", "02", "03"} : QStringList {"01", "02", "03", "04"};
         QCOMPARE(ColumnTexts(e->lvwDirections, 0), numbers);
         QCOMPARE(ColumnTexts(e->lvwDirections, 1).at(shown.toInt() - 1), QStringLiteral("Rest"));
     }
@@ -268,7 +287,7 @@ private Q_SLOTS:
     {
         auto e = onePage();
         e->cmdDirAdd_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Please enter the direction!")});
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Please enter the direction!")});
         QCOMPARE(e->lvwDirections->topLevelItemCount(), 0);
         for (const char *step : {"Mix", "Bake", "Serve"})
             addStep(*e, QLatin1String(step));
@@ -278,9 +297,11 @@ private Q_SLOTS:
         e->txtStep->setText(QStringLiteral("02"));
         m_boxes->answer(MsgResult::Yes);
         addStep(*e, QStringLiteral("Rest"));
-        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("You have entered a duplicate step.  The default process will Overwrite the old step.\n\nWould you like to Insert the new step instead?"));
-        QCOMPARE(ColumnTexts(e->lvwDirections, 1), (QStringList{"Mix", "Rest", "Bake", "Serve"}));
-        QCOMPARE(ColumnTexts(e->lvwDirections, 0), (QStringList{"01", "02", "03", "04"}));
+        QCOMPARE(m_boxes->boxes.last().prompt,
+                 QStringLiteral("You have entered a duplicate step.  The default process will Overwrite the old "
+                                "step.\n\nWould you like to Insert the new step instead?"));
+        QCOMPARE(ColumnTexts(e->lvwDirections, 1), (QStringList {"Mix", "Rest", "Bake", "Serve"}));
+        QCOMPARE(ColumnTexts(e->lvwDirections, 0), (QStringList {"01", "02", "03", "04"}));
         QCOMPARE(e->txtStep->text(), QStringLiteral("05"));
 
         select(e->lvwDirections, 3);
@@ -288,7 +309,7 @@ private Q_SLOTS:
         QCOMPARE(e->txtStep->text(), QStringLiteral("04"));
         m_boxes->answer(MsgResult::No);
         addStep(*e, QStringLiteral("Serve warm"));
-        QCOMPARE(ColumnTexts(e->lvwDirections, 1), (QStringList{"Mix", "Rest", "Bake", "Serve warm"}));
+        QCOMPARE(ColumnTexts(e->lvwDirections, 1), (QStringList {"Mix", "Rest", "Bake", "Serve warm"}));
 
         for (int i = 0; i < 4; ++i) {
             select(e->lvwDirections, 0);
@@ -308,12 +329,12 @@ private Q_SLOTS:
         QCOMPARE(e->defaultButton(), e->cmdDirAdd);
         QTest::keyClicks(e->txtDirection, QStringLiteral("Whisk"));
         QTest::keyClick(e->txtDirection, Qt::Key_Return);
-        QCOMPARE(ColumnTexts(e->lvwDirections, 1), QStringList{QStringLiteral("Whisk")});
+        QCOMPARE(ColumnTexts(e->lvwDirections, 1), QStringList {QStringLiteral("Whisk")});
         e->txtItem->setFocus();
         QCOMPARE(e->defaultButton(), e->cmdIngAdd);
         typeIngredient(*e, QStringLiteral("2"), QStringLiteral("cup"), QStringLiteral("Rice"), QStringLiteral("rice"));
         QTest::keyClick(e->txtItem, Qt::Key_Return);
-        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), QStringList{QStringLiteral("Rice")});
+        QCOMPARE(ColumnTexts(e->lvwIngredients, 3), QStringList {QStringLiteral("Rice")});
     }
 
     void tabbedViewAddsOnlyOnItsTab()
@@ -414,13 +435,14 @@ private Q_SLOTS:
 
     void cabinetSuggestions()
     {
-        QCOMPARE(CabinetSearchForms(QStringLiteral("Onions, chopped")), (QStringList{"Onions", "Onion", "chopped"}));
-        QCOMPARE(CabinetSearchForms(QStringLiteral("berries")), (QStringList{"berries", "berry"}));
-        QCOMPARE(CabinetSearchForms(QStringLiteral("tomatoes")), (QStringList{"tomatoes", "tomato"}));
-        QCOMPARE(CabinetSearchForms(QStringLiteral("of an egg")), QStringList{QStringLiteral("egg")});
+        QCOMPARE(CabinetSearchForms(QStringLiteral("Onions, chopped")), (QStringList {"Onions", "Onion", "chopped"}));
+        QCOMPARE(CabinetSearchForms(QStringLiteral("berries")), (QStringList {"berries", "berry"}));
+        QCOMPARE(CabinetSearchForms(QStringLiteral("tomatoes")), (QStringList {"tomatoes", "tomato"}));
+        QCOMPARE(CabinetSearchForms(QStringLiteral("of an egg")), QStringList {QStringLiteral("egg")});
         QCOMPARE(CabinetSearchForms(QStringLiteral("an ox, to go")), QStringList());
         QCOMPARE(CabinetSuggestionSql({QStringLiteral("Onions"), QStringLiteral("Onion")}, QStringLiteral("F")),
-                 QStringLiteral("SELECT DISTINCT item, type FROM CABINET WHERE ('%' & item & '%' LIKE '%Onions%' OR '%' & item & '%' LIKE '%Onion%') AND type = 'F'"));
+                 QStringLiteral("SELECT DISTINCT item, type FROM CABINET WHERE ('%' & item & '%' LIKE '%Onions%' OR "
+                                "'%' & item & '%' LIKE '%Onion%') AND type = 'F'"));
 
         ExecuteSQL("INSERT INTO CABINET VALUES ('onion', 'F', 0)");
         ExecuteSQL("INSERT INTO CABINET VALUES ('red onion', 'F', 1)");
@@ -433,7 +455,7 @@ private Q_SLOTS:
         for (int i = 0; i < e->cboCabinet->count(); ++i)
             offered << e->cboCabinet->itemText(i);
         offered.sort();
-        QCOMPARE(offered, (QStringList{"onion", "red onion"}));
+        QCOMPARE(offered, (QStringList {"onion", "red onion"}));
         QCOMPARE(e->cboCabinet->currentText(), QStringLiteral("onion"));
 
         // A typed cabinet name is kept; two-letter words look nothing up.
@@ -449,7 +471,8 @@ private Q_SLOTS:
 
     void populateLoadsAStoredRecipe()
     {
-        ExecuteSQL("INSERT INTO RECIPE (id, servings, type, title, prep_time, cook_time) VALUES (3, '4 Servings', 'F', 'Stew', '00:20', '02:00')");
+        ExecuteSQL("INSERT INTO RECIPE (id, servings, type, title, prep_time, cook_time) VALUES (3, '4 Servings', 'F', "
+                   "'Stew', '00:20', '02:00')");
         ExecuteSQL("INSERT INTO INGREDIENTS VALUES (3, 2, '1', 'lb', 'Beef', 'beef')");
         ExecuteSQL("INSERT INTO INGREDIENTS VALUES (3, 1, '2', '---', 'Onions', 'onion')");
         ExecuteSQL("INSERT INTO DIRECTIONS VALUES (3, 1, 'Brown the beef.')");
@@ -463,8 +486,8 @@ private Q_SLOTS:
         QCOMPARE(e.cboCategory->currentText(), QString()); // NULL reads as empty
         QCOMPARE(e.txtNotes->toPlainText(), QString());
         QCOMPARE(e.txtCookTime->text(), QStringLiteral("02:00"));
-        QCOMPARE(ColumnTexts(e.lvwIngredients, 3), (QStringList{"Onions", "Beef"}));
-        QCOMPARE(ColumnTexts(e.lvwIngredients, 0), (QStringList{"01", "02"}));
+        QCOMPARE(ColumnTexts(e.lvwIngredients, 3), (QStringList {"Onions", "Beef"}));
+        QCOMPARE(ColumnTexts(e.lvwIngredients, 0), (QStringList {"01", "02"}));
         QCOMPARE(e.txtStep->text(), QStringLiteral("02"));
         QVERIFY(e.cmdSaveAs->isEnabled());
         QVERIFY(!e.RecipeChange);

@@ -67,8 +67,8 @@ public:
         return onWait ? onWait(int(waitTexts.size())) : true;
     }
     void waitEnded() override { ++ended; }
-    void working(const QString &) override {}
-    void workEnded() override {}
+    void working(const QString &) override { }
+    void workEnded() override { }
 
     QStringList reports;
     QStringList waitTexts;
@@ -287,7 +287,8 @@ private Q_SLOTS:
         other.close();
         other = QSqlDatabase();
         QSqlDatabase::removeDatabase(QStringLiteral("other"));
-        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title = 'Waiting stew'")), letGo ? 1 : 0);
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title = 'Waiting stew'")),
+                 letGo ? 1 : 0);
         QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("After the wait")), 0, false));
     }
 };

@@ -42,10 +42,7 @@ class TestFraction : public SessionTest
 {
     Q_OBJECT
 public:
-    TestFraction()
-        : SessionTest(false)
-    {
-    }
+    TestFraction() : SessionTest(false) { }
 
 private Q_SLOTS:
     void parsing_data()
@@ -88,7 +85,7 @@ private Q_SLOTS:
     void zeroDenominatorIsAMessageNotAnError()
     {
         cFraction f = parsed(QStringLiteral("1/0"));
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Error parsing string to create fraction!")});
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Error parsing string to create fraction!")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
         QCOMPARE(m_boxes->boxes[0].style.buttons, MsgButtons::Ok);
         QCOMPARE(f.StringValue(), QStringLiteral("1/0"));
@@ -106,13 +103,34 @@ private Q_SLOTS:
         QTest::addColumn<QString>("right");
         QTest::addColumn<QString>("product");
         QTest::addColumn<QString>("sum");
-        QTest::newRow("quarter doubled") << "1/4" << "2" << "1/2" << "2 1/4";
-        QTest::newRow("three quarters by four") << "3/4" << "4" << "3" << "4 3/4";
-        QTest::newRow("mixed by a fraction") << "1 1/2" << "3/2" << "2 1/4" << "3";
-        QTest::newRow("thirds") << "1/3" << "1/3" << "1/9" << "2/3";
-        QTest::newRow("halves") << "1/2" << "1/2" << "1/4" << "1";
-        QTest::newRow("reduced") << "6/8" << "1" << "3/4" << "1 3/4";
-        QTest::newRow("top-heavy") << "9/4" << "1" << "2 1/4" << "3 1/4";
+        QTest::newRow("quarter doubled") << "1/4"
+                                         << "2"
+                                         << "1/2"
+                                         << "2 1/4";
+        QTest::newRow("three quarters by four") << "3/4"
+                                                << "4"
+                                                << "3"
+                                                << "4 3/4";
+        QTest::newRow("mixed by a fraction") << "1 1/2"
+                                             << "3/2"
+                                             << "2 1/4"
+                                             << "3";
+        QTest::newRow("thirds") << "1/3"
+                                << "1/3"
+                                << "1/9"
+                                << "2/3";
+        QTest::newRow("halves") << "1/2"
+                                << "1/2"
+                                << "1/4"
+                                << "1";
+        QTest::newRow("reduced") << "6/8"
+                                 << "1"
+                                 << "3/4"
+                                 << "1 3/4";
+        QTest::newRow("top-heavy") << "9/4"
+                                   << "1"
+                                   << "2 1/4"
+                                   << "3 1/4";
     }
     void arithmetic()
     {
@@ -203,7 +221,8 @@ private Q_SLOTS:
             const QString t2 = QStringLiteral("%1 %2/%3").arg(w2).arg(n2).arg(d2);
             const qint64 top1 = w1 * d1 + n1, top2 = w2 * d2 + n2;
             const bool multiplyFits = top1 * top2 <= 32767 && d1 * d2 <= 32767;
-            const bool addFits = d1 * top2 <= 32767 && d2 * top1 <= 32767 && d1 * top2 + d2 * top1 <= 32767 && d1 * d2 <= 32767;
+            const bool addFits =
+                d1 * top2 <= 32767 && d2 * top1 <= 32767 && d1 * top2 + d2 * top1 <= 32767 && d1 * d2 <= 32767;
             for (int op = 0; op < 2; ++op) {
                 const bool fits = op == 0 ? multiplyFits : addFits;
                 qint64 num = op == 0 ? top1 * top2 : top1 * d2 + top2 * d1;
@@ -237,18 +256,24 @@ private Q_SLOTS:
 
     void anyTextEndsInAValueAMessageOrThePlatformError()
     {
-        const QStringList texts = {QString(), QStringLiteral("99999"), QStringLiteral("1e400"),
-                                   QStringLiteral("-"), QStringLiteral("1/0"), QString(100000, u'9'),
-                                   QString::fromUtf8("\x01\x02\xff"), QStringLiteral("1/2/3"),
-                                   QStringLiteral("  /  "), QStringLiteral("1e4/2"), QStringLiteral("3 4 5/6")};
+        const QStringList texts = {QString(),
+                                   QStringLiteral("99999"),
+                                   QStringLiteral("1e400"),
+                                   QStringLiteral("-"),
+                                   QStringLiteral("1/0"),
+                                   QString(100000, u'9'),
+                                   QString::fromUtf8("\x01\x02\xff"),
+                                   QStringLiteral("1/2/3"),
+                                   QStringLiteral("  /  "),
+                                   QStringLiteral("1e4/2"),
+                                   QStringLiteral("3 4 5/6")};
         for (const QString &text : texts) {
             try {
                 cFraction f = parsed(text);
                 cFraction two = parsed(QStringLiteral("2"));
                 f.Multiply(two);
                 (void)f.StringValue();
-            } catch (const PlatformError &) {
-            }
+            } catch (const PlatformError &) { }
         }
         m_boxes->clear(); // the zero-denominator texts showed their message
         QVERIFY_THROWS_EXCEPTION(PlatformError, parsed(QStringLiteral("99999")));

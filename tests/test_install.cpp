@@ -24,7 +24,7 @@ private Q_SLOTS:
         QProcess install;
         install.setProcessChannelMode(QProcess::MergedChannels);
         install.start(QStringLiteral(MIREPAN_CMAKE), {QStringLiteral("--install"), QStringLiteral(MIREPAN_BINARY_DIR),
-                                                     QStringLiteral("--prefix"), prefix()});
+                                                      QStringLiteral("--prefix"), prefix()});
         QVERIFY(install.waitForFinished(120000));
         QVERIFY2(install.exitCode() == 0, install.readAll().constData());
     }
@@ -43,10 +43,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("tool");
         QTest::addColumn<QStringList>("arguments");
         QTest::newRow("menu entry") << "desktop-file-validate"
-                                    << QStringList{prefix() + QStringLiteral("/share/applications/org.mirepan.Mirepan.desktop")};
-        QTest::newRow("software centre") << "appstreamcli"
-                                         << QStringList{QStringLiteral("validate"), QStringLiteral("--no-net"),
-                                                        prefix() + QStringLiteral("/share/metainfo/org.mirepan.Mirepan.metainfo.xml")};
+                                    << QStringList {prefix() +
+                                                    QStringLiteral("/share/applications/org.mirepan.Mirepan.desktop")};
+        QTest::newRow("software centre")
+            << "appstreamcli"
+            << QStringList {QStringLiteral("validate"), QStringLiteral("--no-net"),
+                            prefix() + QStringLiteral("/share/metainfo/org.mirepan.Mirepan.metainfo.xml")};
     }
     void descriptionsAreValid()
     {
@@ -80,12 +82,14 @@ private Q_SLOTS:
             mirepan.setProcessEnvironment(env);
             mirepan.start(prefix() + QStringLiteral("/bin/mirepan"), {});
             QVERIFY(mirepan.waitForFinished(60000));
-            QVERIFY2(mirepan.readAllStandardOutput().contains("shown-at-ms"), mirepan.readAllStandardError().constData());
+            QVERIFY2(mirepan.readAllStandardOutput().contains("shown-at-ms"),
+                     mirepan.readAllStandardError().constData());
         }
         const QString data = home + QStringLiteral("/.local/share/Mirepan/Mirepan/");
         for (const char *file : {"pantrio.ini", "PANTRIO.MDB", "vesk_um.rtf"})
             QVERIFY2(QFile::exists(data + QLatin1String(file)), file);
-        QVERIFY(ReadFile(home + QStringLiteral("/.config/Mirepan/Mirepan/datasources.ini")).contains(data + QStringLiteral("PANTRIO.MDB")));
+        QVERIFY(ReadFile(home + QStringLiteral("/.config/Mirepan/Mirepan/datasources.ini"))
+                    .contains(data + QStringLiteral("PANTRIO.MDB")));
         QCOMPARE(QDir(prefix() + QStringLiteral("/bin")).entryList(QDir::Files), installed);
     }
 };

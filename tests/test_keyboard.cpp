@@ -87,8 +87,8 @@ private Q_SLOTS:
     void tabReachesEveryControl_data()
     {
         QTest::addColumn<int>("window");
-        const char *names[] = {"main window", "search", "editor on one page", "editor in tabs", "cabinet",
-                               "menu planner", "settings", "list maintenance", "resize"};
+        const char *names[] = {"main window",  "search",   "editor on one page", "editor in tabs", "cabinet",
+                               "menu planner", "settings", "list maintenance",   "resize"};
         for (int i = 0; i < int(std::size(names)); ++i)
             QTest::newRow(names[i]) << i;
     }
@@ -97,8 +97,12 @@ private Q_SLOTS:
         QFETCH(int, window);
         std::unique_ptr<QWidget> w;
         switch (window) {
-        case 0: w = std::make_unique<frmMain>(); break;
-        case 1: w = std::make_unique<frmSearch>(); break;
+        case 0:
+            w = std::make_unique<frmMain>();
+            break;
+        case 1:
+            w = std::make_unique<frmSearch>();
+            break;
         case 2:
         case 3: {
             auto e = std::make_unique<frmAdd2>();
@@ -118,8 +122,12 @@ private Q_SLOTS:
             w = std::move(m);
             break;
         }
-        case 6: w = std::make_unique<frmSettings>(); break;
-        case 7: w = std::make_unique<frmMaint>(); break;
+        case 6:
+            w = std::make_unique<frmSettings>();
+            break;
+        case 7:
+            w = std::make_unique<frmMaint>();
+            break;
         default: {
             auto r = std::make_unique<frmResize>();
             r->OrigServings = 4;
@@ -129,7 +137,8 @@ private Q_SLOTS:
         const QStringList missing = unreached(w.get());
         QVERIFY2(missing.isEmpty(), qPrintable(missing.join(QStringLiteral(", "))));
         // For a look by eye at the scale the run was started with (QT_SCALE_FACTOR).
-        SaveScreenshot(w.get(), QStringLiteral("scale%1-").arg(w->devicePixelRatioF()) + QLatin1String(QTest::currentDataTag()));
+        SaveScreenshot(w.get(),
+                       QStringLiteral("scale%1-").arg(w->devicePixelRatioF()) + QLatin1String(QTest::currentDataTag()));
         w->hide();
     }
 };

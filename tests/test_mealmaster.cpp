@@ -17,8 +17,8 @@
 
 namespace {
 
-const QStringList kHousehold{"---", "tsp", "Tbsp", "cup", "oz", "lb", "g", "kg", "ml", "l", "pinch", "clove", "can",
-                             "package", "slice", "piece"};
+const QStringList kHousehold {"---", "tsp", "Tbsp",  "cup",   "oz",  "lb",      "g",     "kg",
+                              "ml",  "l",   "pinch", "clove", "can", "package", "slice", "piece"};
 
 // The recipes of a file's text, each as one description with the reason it was refused.
 QStringList readAll(const QByteArray &bytes)
@@ -92,37 +92,41 @@ private Q_SLOTS:
 
     void readsColumnsContinuationsHeadingsAndParagraphs()
     {
-        RecipeData pie = imported(QStringLiteral("Apple Pie"),
-                                  {"2|cup|Flour, sifted", "1 1/2|tsp|Salt", "1/2|lb|Butter; cold and cut into small pieces",
-                                   "6|---|Apples", "1|clove|Garlic", "---|---|Cinnamon", "1-2|zz|Sugar"},
-                                  {"Rub the butter into the flour and salt.", "Bake at 190 C."});
+        RecipeData pie =
+            imported(QStringLiteral("Apple Pie"),
+                     {"2|cup|Flour, sifted", "1 1/2|tsp|Salt", "1/2|lb|Butter; cold and cut into small pieces",
+                      "6|---|Apples", "1|clove|Garlic", "---|---|Cinnamon", "1-2|zz|Sugar"},
+                     {"Rub the butter into the flour and salt.", "Bake at 190 C."});
         pie.category = QStringLiteral("Desserts");
         pie.servings = QStringLiteral("8 servings");
         pie.notes = QStringLiteral("Categories: Desserts, Pies\n\nTOPPING (before ingredient line 7)");
-        QCOMPARE(readAll(kPie), QStringList{Describe(pie)});
+        QCOMPARE(readAll(kPie), QStringList {Describe(pie)});
         QCOMPARE(pie.ingredients[2].cabinet, QStringLiteral("Butter"));
     }
 
     void headerVariantsAndTwoColumns()
     {
         // The right column starts at column 41.
-        const auto two = [](const char *left, const char *right) { return QByteArray(left).leftJustified(40) + right + '\n'; };
+        const auto two = [](const char *left, const char *right) {
+            return QByteArray(left).leftJustified(40) + right + '\n';
+        };
         const QByteArray text = "Some words before the first recipe.\n"
                                 "---------- Recipe via Meal-Master (tm) v8.02\n"
                                 "      Title: Salad\n"
                                 " Categories: Salads\n"
                                 "   Servings: 4\n"
                                 "\n" +
-                                two("      1 c  Lettuce", "      2 tb Oil") + two("      2    Tomatoes", "    1/2 ts Salt") +
+                                two("      1 c  Lettuce", "      2 tb Oil") +
+                                two("      2    Tomatoes", "    1/2 ts Salt") +
                                 "           -ripe\n"
                                 "\n"
                                 "  Toss.\n"
                                 "-----\n";
-        RecipeData salad = imported(QStringLiteral("Salad"), {"1|cup|Lettuce", "2|---|Tomatoes ripe", "2|Tbsp|Oil", "1/2|tsp|Salt"},
-                                    {"Toss."});
+        RecipeData salad = imported(QStringLiteral("Salad"),
+                                    {"1|cup|Lettuce", "2|---|Tomatoes ripe", "2|Tbsp|Oil", "1/2|tsp|Salt"}, {"Toss."});
         salad.category = QStringLiteral("Salads");
         salad.servings = QStringLiteral("4");
-        QCOMPARE(readAll(text), QStringList{Describe(salad)});
+        QCOMPARE(readAll(text), QStringList {Describe(salad)});
     }
 
     void encodingsAreDetected_data()
@@ -135,7 +139,8 @@ private Q_SLOTS:
     void encodingsAreDetected()
     {
         QFETCH(QByteArray, title);
-        const QStringList read = readAll("MMMMM----- Recipe via Meal-Master\n      Title: " + title + "\n\n  Chill.\nMMMMM\n");
+        const QStringList read =
+            readAll("MMMMM----- Recipe via Meal-Master\n      Title: " + title + "\n\n  Chill.\nMMMMM\n");
         QCOMPARE(read.size(), 1);
         QVERIFY2(read[0].contains(QStringLiteral("Crème brûlée")), qPrintable(read[0]));
     }
@@ -145,23 +150,27 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QStringList>("read");
-        const QByteArray good = "MMMMM----- Recipe via Meal-Master\n      Title: Good\n\n      1 c  Rice\n\n  Boil.\nMMMMM\n";
-        QTest::newRow("cut short") << good + good.left(60) << QStringList{"Good", "rejected: the file ends before the recipe's end line"};
-        QTest::newRow("no end before the next") << good.left(70) + good
-                                                << QStringList{"rejected: it has no end line before the next recipe", "Good"};
+        const QByteArray good =
+            "MMMMM----- Recipe via Meal-Master\n      Title: Good\n\n      1 c  Rice\n\n  Boil.\nMMMMM\n";
+        QTest::newRow("cut short") << good + good.left(60)
+                                   << QStringList {"Good", "rejected: the file ends before the recipe's end line"};
+        QTest::newRow("no end before the next")
+            << good.left(70) + good << QStringList {"rejected: it has no end line before the next recipe", "Good"};
         QTest::newRow("no title") << QByteArray("MMMMM----- Recipe via Meal-Master\n\n  Boil.\nMMMMM\n") + good
-                                  << QStringList{"rejected: it has no title", "Good"};
-        QTest::newRow("binary") << QByteArray(5000, '\0') + QByteArray("\xff\xfe\x01\n", 4) + good << QStringList{"Good"};
+                                  << QStringList {"rejected: it has no title", "Good"};
+        QTest::newRow("binary") << QByteArray(5000, '\0') + QByteArray("\xff\xfe\x01\n", 4) + good
+                                << QStringList {"Good"};
         QTest::newRow("nothing but text") << QByteArray("no recipes here\n") << QStringList();
         QTest::newRow("empty") << QByteArray() << QStringList();
-        QTest::newRow("a long direction") << QByteArray(good).replace("  Boil.", "  " + QByteArray(100000, 'b'))
-                                          << QStringList{"Good"};
+        QTest::newRow("a long direction")
+            << QByteArray(good).replace("  Boil.", "  " + QByteArray(100000, 'b')) << QStringList {"Good"};
         QTest::newRow("amounts that are no numbers") << QByteArray(good).replace("      1 c ", "    1/0 c ") +
                                                             QByteArray(good).replace("      1 c ", "    1-2 c ")
-                                                     << QStringList{"Good", "Good"};
-        QTest::newRow("a line too long") << good.left(40) + "  " + QByteArray(MealMasterReader::kLongestLine + 10, 'x') + "\n" +
+                                                     << QStringList {"Good", "Good"};
+        QTest::newRow("a line too long") << good.left(40) + "  " +
+                                                QByteArray(MealMasterReader::kLongestLine + 10, 'x') + "\n" +
                                                 good.mid(40) + good
-                                         << QStringList{"rejected: a line is longer than 1048576 characters", "Good"};
+                                         << QStringList {"rejected: a line is longer than 1048576 characters", "Good"};
     }
     void damagedInput()
     {
@@ -169,7 +178,8 @@ private Q_SLOTS:
         QFETCH(QStringList, read);
         QStringList titles;
         for (const QString &recipe : readAll(text))
-            titles << (recipe.startsWith(QStringLiteral("rejected")) ? recipe : recipe.section(QStringLiteral(" / "), 3, 3));
+            titles << (recipe.startsWith(QStringLiteral("rejected")) ? recipe
+                                                                     : recipe.section(QStringLiteral(" / "), 3, 3));
         QCOMPARE(titles, read);
     }
 
@@ -189,7 +199,8 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->boxes[0].prompt.section(u'\n', 0, 5),
                  QStringLiteral("3 imported, 2 rejected\n\nThe rejected recipes were written, as they stood, to:\n") +
                      rejectedFile + QStringLiteral("\nCorrect them there and import that file.\n"));
-        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("collection.mmf, recipe 2 (Mom's pie): The ingredient of ingredient line 02 cannot be stored")));
+        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral(
+            "collection.mmf, recipe 2 (Mom's pie): The ingredient of ingredient line 02 cannot be stored")));
         QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("collection.mmf, recipe 4 (Cut): the file ends")));
         QCOMPARE(ReadBytes(rejectedFile), bad + cut + '\n');
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 3);
@@ -202,7 +213,7 @@ private Q_SLOTS:
     {
         WriteFile(m_file, "Dear Ann,\nhere is the list.\n");
         importByCommand({m_file});
-        QCOMPARE(m_boxes->prompts(), QStringList{"No MealMaster recipes were found in " + m_file + "."});
+        QCOMPARE(m_boxes->prompts(), QStringList {"No MealMaster recipes were found in " + m_file + "."});
     }
 
     void cancelKeepsWhatWasImported()
@@ -228,10 +239,14 @@ private Q_SLOTS:
         QRandomGenerator random(5);
         // Amounts outside the amount column ("about 3") go in front of the text and do not come
         // back as amounts.
-        const QStringList amounts{"1", "1/2", "2 1/4", "---", "10", "1-2", "0.5"};
-        const QStringList measures{"cup", "tsp", "Tbsp", "---", "g", "clove", "pinch", "lb"};
-        const QStringList words{"Onions,", "chopped", "Mom's", "crème", "牛肉", "(canned)", "50%", "and", "a",
-                                "extraordinarilylongwordthatwillnotfitanywhereatallinthecolumnsofthisformat"};
+        const QStringList amounts {"1", "1/2", "2 1/4", "---", "10", "1-2", "0.5"};
+        const QStringList measures {"cup", "tsp", "Tbsp", "---", "g", "clove", "pinch", "lb"};
+        const QStringList words {
+            "Onions,", "chopped",
+            "Mom's",   "crème",
+            "牛肉",    "(canned)",
+            "50%",     "and",
+            "a",       "extraordinarilylongwordthatwillnotfitanywhereatallinthecolumnsofthisformat"};
         const auto text = [&](int most) {
             QStringList picked;
             for (int n = 1 + random.bounded(most); n > 0; --n)
@@ -243,12 +258,12 @@ private Q_SLOTS:
         for (int i = 0; i < 60; ++i) {
             QStringList lines, steps;
             for (int n = random.bounded(12); n > 0; --n)
-                lines << amounts[random.bounded(int(amounts.size()))] + u'|' + measures[random.bounded(int(measures.size()))] +
-                             u'|' + text(9);
+                lines << amounts[random.bounded(int(amounts.size()))] + u'|' +
+                             measures[random.bounded(int(measures.size()))] + u'|' + text(9);
             for (int n = random.bounded(5); n > 0; --n)
                 steps << text(40);
             RecipeData r = imported(QStringLiteral("Recipe %1 ").arg(i) + text(4), lines, steps);
-            r.category = QStringList{"Soups", "Mom's", ""}[i % 3];
+            r.category = QStringList {"Soups", "Mom's", ""}[i % 3];
             r.servings = i % 3 ? QStringLiteral("4") : QString();
             r.prepTime = i % 4 ? QStringLiteral("00:00") : QStringLiteral("01:15");
             r.rating = QString(i % 5, u'*');
@@ -278,7 +293,7 @@ private Q_SLOTS:
         });
         m_boxes->answerFile(m_file);
         ExportMealMaster();
-        QCOMPARE(m_boxes->prompts(), QStringList{"1 recipe exported to " + m_file});
+        QCOMPARE(m_boxes->prompts(), QStringList {"1 recipe exported to " + m_file});
         QCOMPARE(ReadFile(m_file).section(u'\n', 0, 7),
                  QStringLiteral("MMMMM----- Recipe via Meal-Master (tm) v8.05\n\n      Title: Soup\n Categories: \n"
                                 "      Yield: \n\n      1 c  Water\n"));

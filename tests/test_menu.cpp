@@ -91,7 +91,7 @@ private Q_SLOTS:
     void emptyTableLoadsTheRoot()
     {
         frmMenu &menu = openMenu();
-        QCOMPARE(shape(menu.tree()), QStringList{" > Root = All Menus"});
+        QCOMPARE(shape(menu.tree()), QStringList {" > Root = All Menus"});
         QCOMPARE(menu.nextNodeNumber(), 1);
         QCOMPARE(gSubWindows, qint16(1));
     }
@@ -118,16 +118,16 @@ private Q_SLOTS:
         chooseAll();
         menu.cmdAddRecipes_Click(); // already there: passed over
         const QString date = QLocale().toString(QDate(2026, 11, 22), QLocale::ShortFormat);
-        const QStringList planned{" > Root = All Menus",
-                                  "Root > Title: 1 = Week 1",
-                                  "Title: 1 > Day: 2 = " + date + " - Sunday",
-                                  "Title: 1 > Day: 3 = " + QLocale().toString(QDate(2026, 11, 23), QLocale::ShortFormat) +
-                                      " - Monday",
-                                  "Day: 2 > Day: 2, Meal: B = Breakfast",
-                                  "Day: 2 > Day: 2, Meal: D = Dinner",
-                                  "Day: 3 > Day: 3, Meal: B = Breakfast",
-                                  "Day: 3 > Day: 3, Meal: D = Dinner",
-                                  "Day: 2, Meal: B > Day: 2, Meal: B, ID: " + SevenDigits(soup) + " = Soup"};
+        const QStringList planned {
+            " > Root = All Menus",
+            "Root > Title: 1 = Week 1",
+            "Title: 1 > Day: 2 = " + date + " - Sunday",
+            "Title: 1 > Day: 3 = " + QLocale().toString(QDate(2026, 11, 23), QLocale::ShortFormat) + " - Monday",
+            "Day: 2 > Day: 2, Meal: B = Breakfast",
+            "Day: 2 > Day: 2, Meal: D = Dinner",
+            "Day: 3 > Day: 3, Meal: B = Breakfast",
+            "Day: 3 > Day: 3, Meal: D = Dinner",
+            "Day: 2, Meal: B > Day: 2, Meal: B, ID: " + SevenDigits(soup) + " = Soup"};
         QCOMPARE(shape(menu.tree()), planned);
         QVERIFY(menu.dataChanged());
         menu.cmdSave_Click();
@@ -154,10 +154,10 @@ private Q_SLOTS:
 
     void rowsWithoutTheirParentAreNamed()
     {
-        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Title: 9', 'Day: 2', 'Lost day'", "2, 'Root', 'Title: 1', 'Kept'",
-                    "3, 'Root', 'Title: 1', 'Twice'"});
+        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Title: 9', 'Day: 2', 'Lost day'",
+                    "2, 'Root', 'Title: 1', 'Kept'", "3, 'Root', 'Title: 1', 'Twice'"});
         frmMenu &menu = openMenu();
-        QCOMPARE(shape(menu.tree()), (QStringList{" > Root = All Menus", "Root > Title: 1 = Kept"}));
+        QCOMPARE(shape(menu.tree()), (QStringList {" > Root = All Menus", "Root > Title: 1 = Kept"}));
         QCOMPARE(m_boxes->prompts().last(),
                  QStringLiteral("These menu entries were not loaded, as the entry they belong under is missing:\n\n"
                                 "Lost day\nTwice"));
@@ -171,8 +171,9 @@ private Q_SLOTS:
         select(QStringLiteral("Title: 1"));
         m_boxes->answer(MsgResult::Yes);
         menu.cmdDelete_Click(); // has children: emptied, kept
-        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Are you sure you want to remove all sub entries for Week?"));
-        QCOMPARE(shape(menu.tree()), (QStringList{" > Root = All Menus", "Root > Title: 1 = Week"}));
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("Are you sure you want to remove all sub entries for Week?"));
+        QCOMPARE(shape(menu.tree()), (QStringList {" > Root = All Menus", "Root > Title: 1 = Week"}));
         m_boxes->answer(MsgResult::No);
         menu.cmdDelete_Click();
         QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Are you sure you want to remove the entry for Week?"));
@@ -185,7 +186,7 @@ private Q_SLOTS:
         menu.cmdDelete_Click();
         QCOMPARE(m_boxes->prompts().last(),
                  QStringLiteral("Are you sure you want to remove the entry for All Menus (including all sub nodes)?"));
-        QCOMPARE(shape(menu.tree()), QStringList{" > Root = All Menus"});
+        QCOMPARE(shape(menu.tree()), QStringList {" > Root = All Menus"});
     }
 
     void savingWhatCannotBeStoredKeepsTheStoredMenu()
@@ -209,9 +210,10 @@ private Q_SLOTS:
         again.cmdNewGroup_Click();
         again.cmdSave_Click();
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Error Saving Menu"));
-        QCOMPARE(m_boxes->prompts().last(),
-                 QStringLiteral("There was an error trying to save Stew.  This is most likely the result of putting too "
-                                "many levels of sub recipes under other recipes."));
+        QCOMPARE(
+            m_boxes->prompts().last(),
+            QStringLiteral("There was an error trying to save Stew.  This is most likely the result of putting too "
+                           "many levels of sub recipes under other recipes."));
         QVERIFY(again.dataChanged());
         QCOMPARE(QueryNumber(QStringLiteral("SELECT COUNT(*) FROM MENU")), 2);
 
@@ -271,12 +273,13 @@ private Q_SLOTS:
 
     void theWalkGathersRecipesButNotTheirSubRecipes()
     {
-        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Root', 'Title: 1', 'A'", "2, 'Title: 1', 'Title: 1, ID: 5', 'R5'",
-                    "3, 'Title: 1, ID: 5', 'Title: 1, ID: 5, ID: 6', 'R6'", "4, 'Root', 'Title: 2', 'B'",
-                    "5, 'Title: 2', 'Day: 3', 'D'", "6, 'Day: 3', 'Day: 3, ID: 7', 'R7'"});
+        insertRows({"0, '', 'Root', 'All Menus'", "1, 'Root', 'Title: 1', 'A'",
+                    "2, 'Title: 1', 'Title: 1, ID: 5', 'R5'", "3, 'Title: 1, ID: 5', 'Title: 1, ID: 5, ID: 6', 'R6'",
+                    "4, 'Root', 'Title: 2', 'B'", "5, 'Title: 2', 'Day: 3', 'D'",
+                    "6, 'Day: 3', 'Day: 3, ID: 7', 'R7'"});
         frmMenu &menu = openMenu();
-        QCOMPARE(GatherRecipeIds(menu.tree().find(QStringLiteral("Root"))), (QStringList{" 5", " 7"}));
-        QCOMPARE(GatherRecipeIds(menu.tree().find(QStringLiteral("Title: 2"))), QStringList{" 7"});
+        QCOMPARE(GatherRecipeIds(menu.tree().find(QStringLiteral("Root"))), (QStringList {" 5", " 7"}));
+        QCOMPARE(GatherRecipeIds(menu.tree().find(QStringLiteral("Title: 2"))), QStringList {" 7"});
         QCOMPARE(IdListText({" 5", " 7"}), QStringLiteral(" 5,  7"));
         QCOMPARE(IdListText({}), QStringLiteral("-1"));
         menu.cmdExpand_Click(0);
@@ -293,12 +296,18 @@ private Q_SLOTS:
         QTest::addColumn<QString>("a");
         QTest::addColumn<QString>("b");
         QTest::addColumn<bool>("same");
-        QTest::newRow("cup, Cups") << "cup" << "Cups" << true;
-        QTest::newRow("c., cup") << "c." << "cup" << true;
-        QTest::newRow("cup(s), CUP") << "cup(s)" << "CUP" << true;
-        QTest::newRow("empty matches any") << "" << "tsp" << true;
-        QTest::newRow("tsp, Tbsp") << "tsp" << "Tbsp" << false;
-        QTest::newRow("unset, cup") << "---" << "cup" << false;
+        QTest::newRow("cup, Cups") << "cup"
+                                   << "Cups" << true;
+        QTest::newRow("c., cup") << "c."
+                                 << "cup" << true;
+        QTest::newRow("cup(s), CUP") << "cup(s)"
+                                     << "CUP" << true;
+        QTest::newRow("empty matches any") << ""
+                                           << "tsp" << true;
+        QTest::newRow("tsp, Tbsp") << "tsp"
+                                   << "Tbsp" << false;
+        QTest::newRow("unset, cup") << "---"
+                                    << "cup" << false;
     }
     void measuresGroup()
     {
@@ -317,17 +326,18 @@ private Q_SLOTS:
         ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('salt', 'F', 0)"));
         ShowNeededAmounts(QStringLiteral("Week"), {u' ' + QString::number(bread), u' ' + QString::number(cake)});
         // One line per item (its text, then an empty line's end); the legend ends in CR LF.
-        QCOMPARE(printedLines(), (QStringList{"Needed Ingredient Amounts for Week:", "", "  *  eggs  -  (N/A) *",
-                                              "  *  Flour  -  (3/4 Cups)", "  *  salt  -  (2 tsp + 1 Tbsp) *",
-                                              "  *  Water  -  (N/A) *",
-                                              "* Bold, Italic, Red Amounts mean you are out of this item!\r", "", ""}));
+        QCOMPARE(
+            printedLines(),
+            (QStringList {"Needed Ingredient Amounts for Week:", "", "  *  eggs  -  (N/A) *",
+                          "  *  Flour  -  (3/4 Cups)", "  *  salt  -  (2 tsp + 1 Tbsp) *", "  *  Water  -  (N/A) *",
+                          "* Bold, Italic, Red Amounts mean you are out of this item!\r", "", ""}));
         const PrintRun flour = m_printed.last().lines()[3].runs[1];
         const PrintRun salt = m_printed.last().lines()[4].runs[1];
         QVERIFY(!flour.bold && flour.rgb == 0);
         QVERIFY(salt.bold && salt.italic && salt.rgb == 255);
 
         ShowShoppingList(QStringLiteral("Week"), {u' ' + QString::number(bread), u' ' + QString::number(cake)});
-        QCOMPARE(printedLines(), (QStringList{"Shopping List for Week:", "", "  *  salt", ""}));
+        QCOMPARE(printedLines(), (QStringList {"Shopping List for Week:", "", "  *  salt", ""}));
     }
 
     void listsWithNothingToShowSaySo()
@@ -337,8 +347,8 @@ private Q_SLOTS:
         const qint32 rice = storeRecipe(QStringLiteral("Rice"), {"1|cup|rice"});
         ShowShoppingList(QStringLiteral("Rice day"), {u' ' + QString::number(rice)});
         QCOMPARE(m_boxes->prompts(),
-                 (QStringList{"There are no ingredients in the recipes of the group Empty!",
-                              "You have all necessary ingredients for Rice day available in your cabinet!"}));
+                 (QStringList {"There are no ingredients in the recipes of the group Empty!",
+                               "You have all necessary ingredients for Rice day available in your cabinet!"}));
         QVERIFY(m_printed.isEmpty());
     }
 

@@ -51,7 +51,7 @@ void copyingWrite(const QString &path, const QString &section, const QString &ne
         }
     }
     if (!written)
-        out << (isNew ? QStringList() : QStringList{QString()}) << u'[' + section + u']' << newLine;
+        out << (isNew ? QStringList() : QStringList {QString()}) << u'[' + section + u']' << newLine;
     WriteFile(path, (out.join(u'\n') + u'\n').toUtf8());
 }
 
@@ -84,10 +84,11 @@ private Q_SLOTS:
 
     void readsValuesByExactSectionAndKey()
     {
-        write("[Files]\nDatabase=C:\\db\\pantrio.mdb\n\n[Misc]\n\nSeek=True\nseekamount=False\nEmpty=\n=odd\nnoequals\n");
+        write(
+            "[Files]\nDatabase=C:\\db\\pantrio.mdb\n\n[Misc]\n\nSeek=True\nseekamount=False\nEmpty=\n=odd\nnoequals\n");
         QCOMPARE(GetIniValue(m_ini, "Files", "Database"), QStringLiteral("C:\\db\\pantrio.mdb"));
         QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("True")); // after an empty line
-        QCOMPARE(GetIniValue(m_ini, "Misc", "SeekAmount"), QString());        // case differs
+        QCOMPARE(GetIniValue(m_ini, "Misc", "SeekAmount"), QString()); // case differs
         QCOMPARE(GetIniValue(m_ini, "misc", "Seek"), QString());
         QCOMPARE(GetIniValue(m_ini, "Misc", "Empty"), QString());
         QCOMPARE(GetIniValue(m_ini, "Misc", ""), QString()); // "=odd" is never a key
@@ -108,7 +109,7 @@ private Q_SLOTS:
     {
         write("[Misc]\r\nSeek=True\r\n\r\n[Rating]\r\n00=\r\n01=*\r\n");
         QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("True"));
-        QCOMPARE(GetIniSection(m_ini, "Rating"), (QStringList{"00=", "01=*"}));
+        QCOMPARE(GetIniSection(m_ini, "Rating"), (QStringList {"00=", "01=*"}));
         WriteIniValue(m_ini, "Misc", "Seek=False");
         QCOMPARE(contents(), QStringLiteral("[Misc]\r\nSeek=False\r\n\r\n[Rating]\r\n00=\r\n01=*\r\n"));
     }
@@ -116,11 +117,11 @@ private Q_SLOTS:
     void sectionsAndLists()
     {
         write("[Category_Food]\n00=\n\n01=Breads\n02=Soups\n[Empty]\n[Next]\nx=1\n");
-        QCOMPARE(GetIniSection(m_ini, "Category_Food"), (QStringList{"00=", "01=Breads", "02=Soups"}));
-        QCOMPARE(GetIniSection(m_ini, "Empty"), QStringList{QString()});
-        QCOMPARE(GetIniSection(m_ini, "Absent"), QStringList{QString()});
-        QCOMPARE(IniListValues(m_ini, "Category_Food"), (QStringList{"", "Breads", "Soups"}));
-        QCOMPARE(IniListValues(m_ini, "Absent"), QStringList{QString()}); // one empty entry
+        QCOMPARE(GetIniSection(m_ini, "Category_Food"), (QStringList {"00=", "01=Breads", "02=Soups"}));
+        QCOMPARE(GetIniSection(m_ini, "Empty"), QStringList {QString()});
+        QCOMPARE(GetIniSection(m_ini, "Absent"), QStringList {QString()});
+        QCOMPARE(IniListValues(m_ini, "Category_Food"), (QStringList {"", "Breads", "Soups"}));
+        QCOMPARE(IniListValues(m_ini, "Absent"), QStringList {QString()}); // one empty entry
         QCOMPARE(IniLineValue("05=Main=Dishes"), QStringLiteral("Main=Dishes"));
         QCOMPARE(IniLineValue("noequals"), QStringLiteral("noequals"));
     }
@@ -146,22 +147,43 @@ private Q_SLOTS:
         QTest::addColumn<QString>("after");
         QTest::addColumn<QString>("readBack"); // the key's value in the section, read again
         QTest::newRow("replacing keeps every other line")
-            << "[Misc]\nSeek=True\n\nStandardAdd=False\n\n[Files]\nPreview=x\n" << "Misc" << "StandardAdd=True"
-            << "[Misc]\nSeek=True\n\nStandardAdd=True\n\n[Files]\nPreview=x\n" << "True";
+            << "[Misc]\nSeek=True\n\nStandardAdd=False\n\n[Files]\nPreview=x\n"
+            << "Misc"
+            << "StandardAdd=True"
+            << "[Misc]\nSeek=True\n\nStandardAdd=True\n\n[Files]\nPreview=x\n"
+            << "True";
         QTest::newRow("a new key lands under the next section's header")
-            << "[Misc]\nSeek=True\n[Files]\nPreview=x\n" << "Misc" << "MaxRecipeID=12"
-            << "[Misc]\nSeek=True\n[Files]\nMaxRecipeID=12\nPreview=x\n" << "";
+            << "[Misc]\nSeek=True\n[Files]\nPreview=x\n"
+            << "Misc"
+            << "MaxRecipeID=12"
+            << "[Misc]\nSeek=True\n[Files]\nMaxRecipeID=12\nPreview=x\n"
+            << "";
         QTest::newRow("a new key in the last section ends it")
-            << "[Files]\nPreview=x\n[Misc]\nSeek=True\n" << "Misc" << "MaxRecipeID=12"
-            << "[Files]\nPreview=x\n[Misc]\nSeek=True\nMaxRecipeID=12\n" << "12";
-        QTest::newRow("an absent section is appended")
-            << "[Files]\nPreview=x\n" << "FIRSTRUN" << "CONDB=YES" << "[Files]\nPreview=x\n\n[FIRSTRUN]\nCONDB=YES\n" << "YES";
-        QTest::newRow("a header on the last line takes the key")
-            << "[Files]\nPreview=x\n[Misc]" << "Misc" << "Seek=True" << "[Files]\nPreview=x\n[Misc]\nSeek=True\n" << "True";
-        QTest::newRow("delete in its section only")
-            << "[Rating]\n00=\n01=*\n02=**\n[Other]\n01=keep\n" << "Rating" << "01"
-            << "[Rating]\n00=\n02=**\n[Other]\n01=keep\n" << "";
-        QTest::newRow("delete of an absent key") << "[Rating]\n00=\n" << "Rating" << "99" << "[Rating]\n00=\n" << "";
+            << "[Files]\nPreview=x\n[Misc]\nSeek=True\n"
+            << "Misc"
+            << "MaxRecipeID=12"
+            << "[Files]\nPreview=x\n[Misc]\nSeek=True\nMaxRecipeID=12\n"
+            << "12";
+        QTest::newRow("an absent section is appended") << "[Files]\nPreview=x\n"
+                                                       << "FIRSTRUN"
+                                                       << "CONDB=YES"
+                                                       << "[Files]\nPreview=x\n\n[FIRSTRUN]\nCONDB=YES\n"
+                                                       << "YES";
+        QTest::newRow("a header on the last line takes the key") << "[Files]\nPreview=x\n[Misc]"
+                                                                 << "Misc"
+                                                                 << "Seek=True"
+                                                                 << "[Files]\nPreview=x\n[Misc]\nSeek=True\n"
+                                                                 << "True";
+        QTest::newRow("delete in its section only") << "[Rating]\n00=\n01=*\n02=**\n[Other]\n01=keep\n"
+                                                    << "Rating"
+                                                    << "01"
+                                                    << "[Rating]\n00=\n02=**\n[Other]\n01=keep\n"
+                                                    << "";
+        QTest::newRow("delete of an absent key") << "[Rating]\n00=\n"
+                                                 << "Rating"
+                                                 << "99"
+                                                 << "[Rating]\n00=\n"
+                                                 << "";
     }
     void writesInPlace()
     {
@@ -193,12 +215,13 @@ private Q_SLOTS:
         WriteIniValue(m_ini, "Rating", "03=***", true);
         WriteIniValue(m_ini, "Rating", "05=*****", true);
         WriteIniValue(m_ini, "Rating", "02=two", true); // the same order replaces its entry
-        QCOMPARE(contents(), QStringLiteral("[Rating]\n00=\n02=two\n03=***\n04=****\n\n05=*****\n[Amount_Food]\n00=---\n"));
+        QCOMPARE(contents(),
+                 QStringLiteral("[Rating]\n00=\n02=two\n03=***\n04=****\n\n05=*****\n[Amount_Food]\n00=---\n"));
         QCOMPARE(GetIniSection(m_ini, "Rating").last(), QStringLiteral("05=*****"));
         // Orders sort as text: 10 before 9.
         WriteIniValue(m_ini, "Amount_Food", "9=nine", true);
         WriteIniValue(m_ini, "Amount_Food", "10=ten", true);
-        QCOMPARE(GetIniSection(m_ini, "Amount_Food"), (QStringList{"00=---", "10=ten", "9=nine"}));
+        QCOMPARE(GetIniSection(m_ini, "Amount_Food"), (QStringList {"00=---", "10=ten", "9=nine"}));
     }
 
     void latin1FileIsWrittenBackInLatin1()
@@ -213,8 +236,10 @@ private Q_SLOTS:
         QCOMPARE(ReadBytes(m_ini), expected);
         // A character Latin-1 cannot hold makes the file UTF-8, every other character kept.
         WriteIniValue(m_ini, "Category_Food", "02=Борщ", true);
-        QCOMPARE(GetIniSection(m_ini, "Category_Food"), (QStringList{"00=", "01=Crème brûlée", "02=Борщ"}));
-        QCOMPARE(ReadBytes(m_ini), QStringLiteral("[Category_Food]\n00=\n01=Crème brûlée\n02=Борщ\n[Misc]\nSeek=False\n02=Café\n").toUtf8());
+        QCOMPARE(GetIniSection(m_ini, "Category_Food"), (QStringList {"00=", "01=Crème brûlée", "02=Борщ"}));
+        QCOMPARE(
+            ReadBytes(m_ini),
+            QStringLiteral("[Category_Food]\n00=\n01=Crème brûlée\n02=Борщ\n[Misc]\nSeek=False\n02=Café\n").toUtf8());
     }
 
     void byteOrderMarkIsKept()
@@ -234,7 +259,7 @@ private Q_SLOTS:
         QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QStringLiteral("Fals"));
         QFile::remove(m_ini);
         QCOMPARE(GetIniValue(m_ini, "Misc", "Seek"), QString());
-        QCOMPARE(GetIniSection(m_ini, "Misc"), QStringList{QString()});
+        QCOMPARE(GetIniSection(m_ini, "Misc"), QStringList {QString()});
     }
 
     void killedWritesNeverLoseTheSettings()
@@ -261,9 +286,11 @@ private Q_SLOTS:
     // values included.
     void writingFromMemoryEqualsCopyingKeyByKey()
     {
-        const QStringList sections{"A", "B", "1", "ID"};
-        const QStringList lines{"", "[A]", "[B]", "[1]", "[ID]", "k=1", "Max=2", "Ing1=x", "Ing10=y", "=z", "noequals"};
-        const QStringList newLines{"k=new", "Max=3", "Ing1=a | b", "Ing10=c", "Dir1=1 | x", "k=two\nlines", "k=v\n[B]"};
+        const QStringList sections {"A", "B", "1", "ID"};
+        const QStringList lines {"",      "[A]",    "[B]",     "[1]", "[ID]",    "k=1",
+                                 "Max=2", "Ing1=x", "Ing10=y", "=z",  "noequals"};
+        const QStringList newLines {"k=new",      "Max=3",        "Ing1=a | b", "Ing10=c",
+                                    "Dir1=1 | x", "k=two\nlines", "k=v\n[B]"};
         QRandomGenerator random(7);
         auto pick = [&random](const QStringList &from) { return from[random.bounded(int(from.size()))]; };
         const QString reference = m_home->path("reference.ini");

@@ -34,10 +34,7 @@ private Q_SLOTS:
         QCOMPARE(Val(text), value);
     }
 
-    void valOverflowsBeyondDouble()
-    {
-        QVERIFY_THROWS_EXCEPTION(PlatformError, Val(QStringLiteral("1e400")));
-    }
+    void valOverflowsBeyondDouble() { QVERIFY_THROWS_EXCEPTION(PlatformError, Val(QStringLiteral("1e400"))); }
 
     void strictConversion()
     {

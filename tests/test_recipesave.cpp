@@ -64,7 +64,7 @@ private Q_SLOTS:
         e->txtItem->setText(QStringLiteral("Apples, sliced"));
         e->cboCabinet->setCurrentText(QStringLiteral("apple"));
         e->cmdSave_Click(); // the pending line and step are added first
-        QCOMPARE(m_boxes->statusAtWait, QStringList{QStringLiteral("Mom's pie has been saved!")});
+        QCOMPARE(m_boxes->statusAtWait, QStringList {QStringLiteral("Mom's pie has been saved!")});
         QCOMPARE(m_boxes->waited(), 2.0);
         QVERIFY(m_boxes->boxes.isEmpty());
         QVERIFY(e->isVisible());
@@ -106,7 +106,8 @@ private Q_SLOTS:
         e->cmdIngRemove_Click();
         m_boxes->answer(MsgResult::Yes); // overwrite
         e->cmdSave_Click();
-        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("This will overwrite the current recipe.  Do you wish to continue?"));
+        QCOMPARE(m_boxes->boxes.last().prompt,
+                 QStringLiteral("This will overwrite the current recipe.  Do you wish to continue?"));
         QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE recipe_id = 5"), 1);
         QCOMPARE(QueryNumber("SELECT count(*) FROM DIRECTIONS WHERE recipe_id = 5"), 2);
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
@@ -133,7 +134,9 @@ private Q_SLOTS:
         e->txtTitle->setText(QStringLiteral("Rice for two"));
         m_boxes->answer(MsgResult::Yes);
         e->cmdSaveAs_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("This will save the current recipe as a copy in the Pantrio.  Do you wish to continue?")});
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList {QStringLiteral(
+                     "This will save the current recipe as a copy in the Pantrio.  Do you wish to continue?")});
         QCOMPARE(LoadRecipe(5).title, QStringLiteral("Rice"));
         QCOMPARE(LoadRecipe(6).title, QStringLiteral("Rice for two"));
         QCOMPARE(LoadRecipe(6).ingredients.size(), 2);
@@ -146,7 +149,8 @@ private Q_SLOTS:
         e->txtNotes->setPlainText(QStringLiteral("Ask Bob', then Ann"));
         m_boxes->answer(MsgResult::Yes);
         e->cmdSaveAs_Click();
-        QVERIFY(m_boxes->prompts().last().startsWith(QStringLiteral("There were errors adding the recipe!\n\nThe notes cannot")));
+        QVERIFY(m_boxes->prompts().last().startsWith(
+            QStringLiteral("There were errors adding the recipe!\n\nThe notes cannot")));
         QVERIFY(e->SaveAsCopy);
         QVERIFY(e->isVisible());
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
@@ -168,12 +172,23 @@ private Q_SLOTS:
         const QString why = QStringLiteral("\" touches a comma or a parenthesis and would end the text there. "
                                            "Change the text around that apostrophe and save again.");
         // Stored cut short, without a word, before: the statement ended at "')".
-        QTest::newRow("direction cut short") << "direction" << "Add the sauce (see 'Basics'); stir well"
-                                             << "Direction 03 cannot be stored as it stands: the apostrophe in \"... 'Basics'); stir ..." + why;
-        QTest::newRow("title") << "title" << "Rice', plain" << "The title cannot be stored as it stands: the apostrophe in \"Rice', plain" + why;
+        QTest::newRow("direction cut short")
+            << "direction"
+            << "Add the sauce (see 'Basics'); stir well"
+            << "Direction 03 cannot be stored as it stands: the apostrophe in \"... 'Basics'); stir ..." + why;
+        QTest::newRow("title") << "title"
+                               << "Rice', plain"
+                               << "The title cannot be stored as it stands: the apostrophe in \"Rice', plain" + why;
         // Values shifted one field on, before: a title read back as the servings.
-        QTest::newRow("fields shifted") << "category" << "Soups', '" << "The category cannot be stored as it stands: the apostrophe in \"Soups', '" + why;
-        QTest::newRow("ingredient") << "item" << "Salt (',)" << "The ingredient of ingredient line 03 cannot be stored as it stands: the apostrophe in \"Salt (',)" + why;
+        QTest::newRow("fields shifted") << "category"
+                                        << "Soups', '"
+                                        << "The category cannot be stored as it stands: the apostrophe in \"Soups', '" +
+                                               why;
+        QTest::newRow("ingredient")
+            << "item"
+            << "Salt (',)"
+            << "The ingredient of ingredient line 03 cannot be stored as it stands: the apostrophe in \"Salt (',)" +
+                   why;
     }
     void unstorableTextsAreRefusedByName()
     {
@@ -181,8 +196,10 @@ private Q_SLOTS:
         QFETCH(QString, text);
         QFETCH(QString, message);
         frmAdd2 *e = editRice();
-        QLineEdit *edit = field == u"title" ? e->txtTitle : field == u"direction" ? e->txtDirection
-                        : field == u"item" ? e->txtItem : e->cboCategory->lineEdit();
+        QLineEdit *edit = field == u"title"     ? e->txtTitle
+                        : field == u"direction" ? e->txtDirection
+                        : field == u"item"      ? e->txtItem
+                                                : e->cboCategory->lineEdit();
         edit->setText(text);
         if (field == u"item") {
             e->cboAmount->setCurrentText(QStringLiteral("1"));
@@ -199,7 +216,8 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
         const RecipeData onScreen = e->CurrentRecipe(); // the window keeps its contents
         QVERIFY(QStringList({onScreen.title, onScreen.category, onScreen.ingredients.last().ingredient,
-                             onScreen.directions.last().direction}).contains(text));
+                             onScreen.directions.last().direction})
+                    .contains(text));
         e->close();
     }
 
@@ -244,7 +262,7 @@ private Q_SLOTS:
         e->cboAmount->setCurrentText(QStringLiteral("2"));
         e->txtItem->setText(QStringLiteral("Leeks"));
         e->cmdSave_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Please Enter a Short Cabinet Name!")});
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Please Enter a Short Cabinet Name!")});
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 0);
         QCOMPARE(e->txtTitle->text(), QStringLiteral("Soup"));
     }
@@ -253,12 +271,13 @@ private Q_SLOTS:
     {
         auto e = newEditor();
         e->cmdSave_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Please Enter a Title!")});
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Please Enter a Title!")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Information Required"));
         CloseDatabase();
         e->txtTitle->setText(QStringLiteral("Soup"));
         e->cmdSave_Click();
-        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("If you were able to connect to the Database, you would be able to save.  "));
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("If you were able to connect to the Database, you would be able to save.  "));
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
     }
 

@@ -28,8 +28,9 @@ namespace {
 
 RecipeData pie()
 {
-    RecipeData r = TestRecipe(QStringLiteral("Apple Pie"), {"2|cup|Flour|flour", "---|---|Salt|salt", "6|---|Apples|apple"},
-                              {"Make the dough.", "Bake."});
+    RecipeData r =
+        TestRecipe(QStringLiteral("Apple Pie"), {"2|cup|Flour|flour", "---|---|Salt|salt", "6|---|Apples|apple"},
+                   {"Make the dough.", "Bake."});
     r.category = QStringLiteral("Desserts");
     r.servings = QStringLiteral("8");
     r.prepTime = QStringLiteral("00:30");
@@ -73,10 +74,27 @@ private Q_SLOTS:
         RecipePrinter p;
         ReportSettings s;
         ComposeRecipe(p, pie(), s);
-        QCOMPARE(texts(p), (QStringList{"Apple Pie", "", "Category:\tDesserts", "Servings:\t8", "Prep Time:\t00:30", "",
-                                        "Ingredients:", "  2 cup Flour", "  Salt", "  6 Apples", "",
-                                        "Directions:", "  01:\tMake the dough.", "", "  02:\tBake.", "", "",
-                                        "Notes:", "Best warm.", "", ""}));
+        QCOMPARE(texts(p), (QStringList {"Apple Pie",
+                                         "",
+                                         "Category:\tDesserts",
+                                         "Servings:\t8",
+                                         "Prep Time:\t00:30",
+                                         "",
+                                         "Ingredients:",
+                                         "  2 cup Flour",
+                                         "  Salt",
+                                         "  6 Apples",
+                                         "",
+                                         "Directions:",
+                                         "  01:\tMake the dough.",
+                                         "",
+                                         "  02:\tBake.",
+                                         "",
+                                         "",
+                                         "Notes:",
+                                         "Best warm.",
+                                         "",
+                                         ""}));
         const QList<PrintLine> lines = p.lines();
         QCOMPARE(lines[0].runs[0].size, 19.0);
         QVERIFY(lines[0].runs[0].bold);
@@ -151,7 +169,7 @@ private Q_SLOTS:
         StoreTestRecipe(pie(), 1);
         PrintRecipes({7, 1});
         const QStringList plain = texts(m_shown[0]);
-        QCOMPARE(plain.mid(0, 3), (QStringList{"", "", "Apple Pie"}));
+        QCOMPARE(plain.mid(0, 3), (QStringList {"", "", "Apple Pie"}));
     }
 
     void largeReportsAsk()
@@ -164,12 +182,16 @@ private Q_SLOTS:
         ids.append(26);
         m_boxes->answer(MsgResult::No);
         PrintRecipes(ids);
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You have chosen to view/print a large number of recipes.  This may take a while to load.\nWould you like to continue?")});
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList {QStringLiteral("You have chosen to view/print a large number of recipes.  This may take "
+                                             "a while to load.\nWould you like to continue?")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Message"));
         QCOMPARE(m_shown.size(), 1);
         CloseDatabase();
         PrintRecipes({1});
-        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
+        QCOMPARE(
+            m_boxes->boxes.last().prompt,
+            QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
     }
 
     void editorViewShowsUnsavedChanges()
@@ -179,12 +201,12 @@ private Q_SLOTS:
         e.RecipeType = QStringLiteral("Drink");
         e.show();
         e.cmdView_Click(); // an empty editor: the empty title and blank lines
-        QCOMPARE(texts(m_shown[0]), (QStringList{"", "", ""}));
+        QCOMPARE(texts(m_shown[0]), (QStringList {"", "", ""}));
         e.txtTitle->setText(QStringLiteral("Lemonade"));
         e.txtServings->setText(QStringLiteral("4"));
         e.lvwIngredients->addTopLevelItem(new QTreeWidgetItem({"01", "---", "---", "Lemons", "lemon"}));
         e.cmdView_Click();
-        QCOMPARE(texts(m_shown[1]), (QStringList{"Lemonade", "", "", "Ingredients:", "  Lemons", ""}));
+        QCOMPARE(texts(m_shown[1]), (QStringList {"Lemonade", "", "", "Ingredients:", "  Lemons", ""}));
         gRecipeType = QStringLiteral("Drink");
         e.RecipeType = QStringLiteral("Food"); // the editor's own type decides
         e.cmdView_Click();
@@ -195,7 +217,8 @@ private Q_SLOTS:
     {
         RecipePrinter p;
         ComposeRecipe(p, pie(), ReportSettings());
-        p.AddLine(QStringLiteral("Buy: crème fraîche {fresh} \\ 100%"), QStringLiteral("Courier New"), 9, false, false, false, 255);
+        p.AddLine(QStringLiteral("Buy: crème fraîche {fresh} \\ 100%"), QStringLiteral("Courier New"), 9, false, false,
+                  false, 255);
         p.StartPage();
         p.AddLine(QStringLiteral("Page two"), QStringLiteral("Courier New"), 9, true, true);
         p.SetFileName(m_home->path("report.RTF"));
@@ -228,8 +251,9 @@ private Q_SLOTS:
         if (reader.isEmpty())
             QSKIP("pdftotext (poppler-utils) is not installed");
         RecipeData recipe = pie();
-        recipe.directions[0].direction = QStringLiteral("Rub the butter into the flour until it looks like fine crumbs, "
-                                                        "then add cold water a spoonful at a time and bring it together.");
+        recipe.directions[0].direction =
+            QStringLiteral("Rub the butter into the flour until it looks like fine crumbs, "
+                           "then add cold water a spoonful at a time and bring it together.");
         RecipePrinter p;
         ComposeRecipe(p, recipe, ReportSettings());
         p.SetFileName(m_home->path("pie.pdf"));
@@ -279,7 +303,7 @@ private Q_SLOTS:
         frmPreview preview(p);
         preview.show();
         preview.cmdSave_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Saved as: ") + m_home->path("shown.rtf")});
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Saved as: ") + m_home->path("shown.rtf")});
         QVERIFY(QFile::exists(m_home->path("shown.rtf")));
         SaveScreenshot(&preview, QStringLiteral("frmPreview"));
 

@@ -39,10 +39,7 @@ class TestResize : public SessionTest
 {
     Q_OBJECT
 public:
-    TestResize()
-        : SessionTest(false)
-    {
-    }
+    TestResize() : SessionTest(false) { }
 
     std::unique_ptr<frmAdd2> editorWith(const QString &servings, const QStringList &amountTexts)
     {
@@ -52,9 +49,9 @@ public:
         e->txtServings->setText(servings);
         int n = 0;
         for (const QString &amount : amountTexts)
-            e->lvwIngredients->addTopLevelItem(new QTreeWidgetItem(
-                {TwoDigits(++n), amount, QStringLiteral("cup"),
-                 QStringLiteral("Item %1").arg(n), QStringLiteral("item")}));
+            e->lvwIngredients->addTopLevelItem(
+                new QTreeWidgetItem({TwoDigits(++n), amount, QStringLiteral("cup"), QStringLiteral("Item %1").arg(n),
+                                     QStringLiteral("item")}));
         e->RecipeChange = false;
         return e;
     }
@@ -75,7 +72,7 @@ private Q_SLOTS:
         QTest::keyClicks(dialog.txtNewServings, QStringLiteral("6"));
         const QStringList after = {dialog.lblExample[4]->text(), dialog.lblExample[5]->text(),
                                    dialog.lblExample[6]->text(), dialog.lblExample[7]->text()};
-        QCOMPARE(after, (QStringList{"3/4", "1 1/8", "2 1/4", "3"}));
+        QCOMPARE(after, (QStringList {"3/4", "1 1/8", "2 1/4", "3"}));
         QCOMPARE(dialog.lblExample[2]->text(), QStringLiteral("1 1/2"));
         // An unusable count leaves the examples as they were.
         dialog.txtNewServings->setText(QStringLiteral("0"));
@@ -98,7 +95,8 @@ private Q_SLOTS:
         QVERIFY(dialog.txtOrigServings->isEnabled());
         dialog.txtNewServings->setText(QStringLiteral("3"));
         dialog.cmdResize_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You cannot resize this recipe.  0 is an invalid number!")});
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList {QStringLiteral("You cannot resize this recipe.  0 is an invalid number!")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Division by 0"));
         QVERIFY(dialog.isVisible());
         dialog.txtOrigServings->setText(QStringLiteral("2"));
@@ -124,8 +122,7 @@ private Q_SLOTS:
 
     void editorResizesFourServingsToSix()
     {
-        auto e = editorWith(QStringLiteral("4 Servings"),
-                            {"1/2", "1 1/2", "2", "---", "a pinch", "0.5", "1.5"});
+        auto e = editorWith(QStringLiteral("4 Servings"), {"1/2", "1 1/2", "2", "---", "a pinch", "0.5", "1.5"});
         e->txtNotes->setPlainText(QStringLiteral("Family recipe."));
         e->RecipeChange = false;
         m_boxes->onModal([](QDialog *d) {
@@ -134,10 +131,11 @@ private Q_SLOTS:
         });
         m_boxes->answerInput(QStringLiteral("6 Servings"));
         e->cmdResize_Click();
-        QCOMPARE(amounts(*e), (QStringList{"3/4", "2 1/4", "3", "---", "a pinch", "0.5", "1 1/2"}));
+        QCOMPARE(amounts(*e), (QStringList {"3/4", "2 1/4", "3", "---", "a pinch", "0.5", "1 1/2"}));
         QCOMPARE(e->txtNotes->toPlainText(), QStringLiteral("Recipe was resized from: 4 Servings\nFamily recipe."));
-        QCOMPARE(m_boxes->inputDefaults, QStringList{QStringLiteral("6 Servings")});
-        QCOMPARE(m_boxes->inputPrompts, QStringList{QStringLiteral("Yield Change Verification:\n\nOriginal Yield: 4 Servings\n\nNew Yield:")});
+        QCOMPARE(m_boxes->inputDefaults, QStringList {QStringLiteral("6 Servings")});
+        QCOMPARE(m_boxes->inputPrompts, QStringList {QStringLiteral(
+                                            "Yield Change Verification:\n\nOriginal Yield: 4 Servings\n\nNew Yield:")});
         QCOMPARE(e->txtServings->text(), QStringLiteral("6 Servings"));
         QVERIFY(e->RecipeChange);
         QVERIFY(m_boxes->boxes.isEmpty());
@@ -146,7 +144,7 @@ private Q_SLOTS:
         m_boxes->onModal(accept(QStringLiteral("3")));
         m_boxes->answerInput(QString());
         e->cmdResize_Click();
-        QCOMPARE(amounts(*e).mid(0, 3), (QStringList{"3/8", "1 1/8", "1 1/2"}));
+        QCOMPARE(amounts(*e).mid(0, 3), (QStringList {"3/8", "1 1/8", "1 1/2"}));
         QCOMPARE(e->txtNotes->toPlainText().count(QStringLiteral("Recipe was resized from:")), 1);
         QCOMPARE(e->txtServings->text(), QStringLiteral("6 Servings"));
     }
@@ -177,7 +175,7 @@ private Q_SLOTS:
             QVERIFY(dialog->Cancel);
         });
         e->cmdResize_Click();
-        QCOMPARE(amounts(*e), QStringList{QStringLiteral("1/2")});
+        QCOMPARE(amounts(*e), QStringList {QStringLiteral("1/2")});
         QCOMPARE(e->txtNotes->toPlainText(), QString());
         QVERIFY(!e->RecipeChange);
     }
@@ -187,10 +185,10 @@ private Q_SLOTS:
         auto e = editorWith(QStringLiteral("4 Servings"), {"1/2"});
         m_boxes->onModal(accept(QStringLiteral("6 people")));
         e->cmdResize_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Type mismatch")});
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Type mismatch")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
         QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
-        QCOMPARE(amounts(*e), QStringList{QStringLiteral("1/2")});
+        QCOMPARE(amounts(*e), QStringList {QStringLiteral("1/2")});
         QVERIFY(e->txtNotes->toPlainText().startsWith(QStringLiteral("Recipe was resized from: 4 Servings")));
     }
 
@@ -205,8 +203,8 @@ private Q_SLOTS:
         m_boxes->answerInput(QString());
         e->cmdResize_Click();
         // The zero denominator shows the fraction's message; its amount becomes empty.
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Error parsing string to create fraction!")});
-        QCOMPARE(amounts(*e), (QStringList{"3/8", ""}));
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Error parsing string to create fraction!")});
+        QCOMPARE(amounts(*e), (QStringList {"3/8", ""}));
         QCOMPARE(e->txtNotes->toPlainText(), QString()); // no servings to note
     }
 
@@ -215,8 +213,8 @@ private Q_SLOTS:
         auto e = editorWith(QStringLiteral("1"), {"1/2", "300"});
         m_boxes->onModal(accept(QStringLiteral("200")));
         e->cmdResize_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("Overflow")});
-        QCOMPARE(amounts(*e), (QStringList{"100", "300"}));
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Overflow")});
+        QCOMPARE(amounts(*e), (QStringList {"100", "300"}));
     }
 };
 

@@ -84,7 +84,8 @@ private Q_SLOTS:
         c.title = QStringLiteral("pie");
         c.prepTime = QStringLiteral("00:30");
         QCOMPARE(BuildSearchSql(c, SearchContext()),
-                 QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE AND UCASE(A.title) LIKE '%PIE%' AND A.prep_time <= '00:35' AND rating LIKE '%' AND type = 'F' ORDER BY A.title"));
+                 QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE AND UCASE(A.title) LIKE '%PIE%' "
+                                "AND A.prep_time <= '00:35' AND rating LIKE '%' AND type = 'F' ORDER BY A.title"));
     }
 
     void everyClauseInOrder()
@@ -100,11 +101,12 @@ private Q_SLOTS:
         ctx.recipeType = QStringLiteral("Drink");
         ctx.onlyNewRecipes = true;
         ctx.maxRecipeId = 120;
-        QCOMPARE(BuildSearchSql(c, ctx),
-                 QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A, INGREDIENTS B WHERE A.id = B.recipe_id AND "
-                                "UCASE(b.ingredient) LIKE '%BAKER''S YEAST%' AND UCASE(A.title) LIKE '%MOM''S%' "
-                                "AND UCASE(A.category) LIKE '%BREAD%' AND A.prep_time <= '01:03'AND A.cook_time <= '100:03' "
-                                "AND A.id > 120 AND rating LIKE '**%' AND type = 'D' ORDER BY A.title"));
+        QCOMPARE(
+            BuildSearchSql(c, ctx),
+            QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A, INGREDIENTS B WHERE A.id = B.recipe_id AND "
+                           "UCASE(b.ingredient) LIKE '%BAKER''S YEAST%' AND UCASE(A.title) LIKE '%MOM''S%' "
+                           "AND UCASE(A.category) LIKE '%BREAD%' AND A.prep_time <= '01:03'AND A.cook_time <= '100:03' "
+                           "AND A.id > 120 AND rating LIKE '**%' AND type = 'D' ORDER BY A.title"));
     }
 
     void minutesAndSearchText()
@@ -122,54 +124,60 @@ private Q_SLOTS:
 
     void searchesOnARealDatabase()
     {
-        store(1, QStringLiteral("Apple Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QStringLiteral("***"), {"apple", "butter"});
-        store(2, QStringLiteral("banana bread"), QStringLiteral("Food"), QStringLiteral("01:10"), QString(), {"banana", "apple"});
-        store(3, QStringLiteral("Mom's Cherry Pie"), QStringLiteral("Food"), QStringLiteral("00:34"), QStringLiteral("*"), {"cherry"});
+        store(1, QStringLiteral("Apple Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QStringLiteral("***"),
+              {"apple", "butter"});
+        store(2, QStringLiteral("banana bread"), QStringLiteral("Food"), QStringLiteral("01:10"), QString(),
+              {"banana", "apple"});
+        store(3, QStringLiteral("Mom's Cherry Pie"), QStringLiteral("Food"), QStringLiteral("00:34"),
+              QStringLiteral("*"), {"cherry"});
         store(4, QStringLiteral("Pie Punch"), QStringLiteral("Drink"), QStringLiteral("00:00"), QString(), {"apple"});
-        store(5, QStringLiteral("50% Whole Wheat_Loaf"), QStringLiteral("Food"), QStringLiteral("00:20"), QString(), {}, QStringLiteral("Breads"));
-        store(6, QStringLiteral("Борщ"), QStringLiteral("Food"), QStringLiteral("02:00"), QString(), {"beet"}, QStringLiteral("Soups"));
+        store(5, QStringLiteral("50% Whole Wheat_Loaf"), QStringLiteral("Food"), QStringLiteral("00:20"), QString(), {},
+              QStringLiteral("Breads"));
+        store(6, QStringLiteral("Борщ"), QStringLiteral("Food"), QStringLiteral("02:00"), QString(), {"beet"},
+              QStringLiteral("Soups"));
         auto s = window();
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), (QStringList{"50% Whole Wheat_Loaf", "Apple Pie", "banana bread", "Mom's Cherry Pie", "Борщ"}));
+        QCOMPARE(listed(*s),
+                 (QStringList {"50% Whole Wheat_Loaf", "Apple Pie", "banana bread", "Mom's Cherry Pie", "Борщ"}));
         QCOMPARE(listed(*s, 0).first(), QStringLiteral("0000005"));
         QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 5"));
 
         s->txtTitle->setText(QStringLiteral("pie"));
         s->txtPrepTime->setText(QStringLiteral("00:30"));
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), (QStringList{"Apple Pie", "Mom's Cherry Pie"})); // 00:34 is within the slack
+        QCOMPARE(listed(*s), (QStringList {"Apple Pie", "Mom's Cherry Pie"})); // 00:34 is within the slack
         s->txtTitle->setText(QStringLiteral("mom's"));
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), QStringList{QStringLiteral("Mom's Cherry Pie")});
+        QCOMPARE(listed(*s), QStringList {QStringLiteral("Mom's Cherry Pie")});
         // Enter in a time box searches with the time as the box will show it: "30" is 00:30.
         s->txtTitle->clear();
         s->txtPrepTime->setFocus();
         s->txtPrepTime->setText(QStringLiteral("30"));
         QTest::keyClick(s->txtPrepTime, Qt::Key_Return);
         QCOMPARE(s->txtPrepTime->text(), QStringLiteral("00:30"));
-        QCOMPARE(listed(*s), (QStringList{"50% Whole Wheat_Loaf", "Apple Pie", "Mom's Cherry Pie"}));
+        QCOMPARE(listed(*s), (QStringList {"50% Whole Wheat_Loaf", "Apple Pie", "Mom's Cherry Pie"}));
         s->cmdClear_Click();
         QCOMPARE(s->lblResults->text(), QStringLiteral("Results"));
         QCOMPARE(s->lvwRecipes->topLevelItemCount(), 0);
 
         s->txtIngredient->setText(QStringLiteral("APPLE"));
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), (QStringList{"Apple Pie", "banana bread"}));
+        QCOMPARE(listed(*s), (QStringList {"Apple Pie", "banana bread"}));
         s->txtIngredient->clear();
         s->cboCategory->setCurrentText(QStringLiteral("bread"));
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), QStringList{QStringLiteral("50% Whole Wheat_Loaf")});
+        QCOMPARE(listed(*s), QStringList {QStringLiteral("50% Whole Wheat_Loaf")});
         s->cboCategory->setCurrentText(QString());
         s->cboRating->setCurrentText(QStringLiteral("*"));
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), (QStringList{"Apple Pie", "Mom's Cherry Pie"}));
+        QCOMPARE(listed(*s), (QStringList {"Apple Pie", "Mom's Cherry Pie"}));
         s->cboRating->setCurrentText(QString());
         s->txtTitle->setText(QStringLiteral("50%"));
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), QStringList{QStringLiteral("50% Whole Wheat_Loaf")});
+        QCOMPARE(listed(*s), QStringList {QStringLiteral("50% Whole Wheat_Loaf")});
         s->txtTitle->setText(QStringLiteral("Борщ"));
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), QStringList{QStringLiteral("Борщ")});
+        QCOMPARE(listed(*s), QStringList {QStringLiteral("Борщ")});
         s->txtTitle->setText(QStringLiteral("x' OR '1'='1"));
         s->cmdSearch_Click();
         QCOMPARE(s->lvwRecipes->topLevelItemCount(), 0);
@@ -184,10 +192,13 @@ private Q_SLOTS:
         gMaxRecipeID = 1;
         auto s = window();
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), QStringList{QStringLiteral("New dish")});
+        QCOMPARE(listed(*s), QStringList {QStringLiteral("New dish")});
         gMaxRecipeID = 2;
         s->cmdSearch_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You have the setting checked off to limit the results to only recipes entered after installation.")});
+        QCOMPARE(
+            m_boxes->prompts(),
+            QStringList {QStringLiteral(
+                "You have the setting checked off to limit the results to only recipes entered after installation.")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Confirmation"));
         QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 0"));
     }
@@ -198,22 +209,24 @@ private Q_SLOTS:
         ExecuteSQL("INSERT INTO CABINET VALUES ('butter', 'F', 1)");
         ExecuteSQL("INSERT INTO CABINET VALUES ('banana', 'F', 0)");
         ExecuteSQL("INSERT INTO CABINET VALUES ('cherry', 'D', 1)");
-        store(1, QStringLiteral("Apple Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"apple", "butter", "", "unknown thing"});
-        store(2, QStringLiteral("Banana Bread"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"banana", "apple"});
+        store(1, QStringLiteral("Apple Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(),
+              {"apple", "butter", "", "unknown thing"});
+        store(2, QStringLiteral("Banana Bread"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(),
+              {"banana", "apple"});
         store(3, QStringLiteral("Cherry Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"cherry"});
         store(4, QStringLiteral("Apple Tart"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"Apple"});
-        QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32>{1, 4}));
+        QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32> {1, 4}));
         QVERIFY(IsRecipeAvailable({1, 4, 9}, 4));
         QVERIFY(!IsRecipeAvailable({1, 4, 9}, 5));
         QVERIFY(!IsRecipeAvailable({}, 1));
 
         // Two cabinet rows for one ingredient: satisfied when either is available.
         ExecuteSQL("INSERT INTO CABINET VALUES ('banana', 'D', 1)");
-        QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32>{1, 4}));
+        QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32> {1, 4}));
         auto s = window();
         s->chkCabinet->setChecked(true);
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s), (QStringList{"Apple Pie", "Apple Tart"}));
+        QCOMPARE(listed(*s), (QStringList {"Apple Pie", "Apple Tart"}));
         QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 2"));
     }
 
@@ -254,13 +267,15 @@ private Q_SLOTS:
         auto s = window();
         s->resize(600, 300);
         s->cmdSearch_Click();
-        QCOMPARE(listed(*s).mid(0, 5), (QStringList{"Apple Pie", "Bread", "Cake", "Dumplings", "Zucchini 10"}));
+        QCOMPARE(listed(*s).mid(0, 5), (QStringList {"Apple Pie", "Bread", "Cake", "Dumplings", "Zucchini 10"}));
         s->lvwRecipes_ColumnClick();
-        QCOMPARE(listed(*s).mid(0, 4), (QStringList{"Bread", "Apple Pie", "Cake", "Dumplings"}));
-        QCOMPARE(s->lvwRecipes->headerItem()->text(1), QStringLiteral("Recipe Title: Ordered recipes were entered (click to change)"));
+        QCOMPARE(listed(*s).mid(0, 4), (QStringList {"Bread", "Apple Pie", "Cake", "Dumplings"}));
+        QCOMPARE(s->lvwRecipes->headerItem()->text(1),
+                 QStringLiteral("Recipe Title: Ordered recipes were entered (click to change)"));
         s->lvwRecipes_ColumnClick();
-        QCOMPARE(listed(*s).mid(0, 4), (QStringList{"Apple Pie", "Bread", "Cake", "Dumplings"}));
-        QCOMPARE(s->lvwRecipes->headerItem()->text(1), QStringLiteral("Recipe Title: Alphabetical order (click to change)"));
+        QCOMPARE(listed(*s).mid(0, 4), (QStringList {"Apple Pie", "Bread", "Cake", "Dumplings"}));
+        QCOMPARE(s->lvwRecipes->headerItem()->text(1),
+                 QStringLiteral("Recipe Title: Alphabetical order (click to change)"));
 
         // The complete title of an item brings the following one to the top.
         s->txtFind->setText(QStringLiteral("bread"));
@@ -278,15 +293,16 @@ private Q_SLOTS:
         auto s = window();
         s->cmdSearch_Click();
         s->cmdDelete_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You must select a recipe to Delete!")});
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("You must select a recipe to Delete!")});
         m_boxes->clear();
         selectRows(*s, {0, 1, 2});
         m_boxes->answer(MsgResult::Yes);
         m_boxes->answer(MsgResult::No);
         m_boxes->answer(MsgResult::Yes);
         s->cmdDelete_Click();
-        QCOMPARE(m_boxes->prompts().first(), QStringLiteral("Are you sure you want to permanently delete 'A one' from the Pantrio?"));
-        QCOMPARE(listed(*s), QStringList{QStringLiteral("B two")});
+        QCOMPARE(m_boxes->prompts().first(),
+                 QStringLiteral("Are you sure you want to permanently delete 'A one' from the Pantrio?"));
+        QCOMPARE(listed(*s), QStringList {QStringLiteral("B two")});
         QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 1"));
         const Recordset rs = ExecuteSQL("SELECT count(*) FROM RECIPE");
         QCOMPARE(rs.value(0).toInt(), 1);
@@ -297,7 +313,7 @@ private Q_SLOTS:
         selectRows(*s, {0});
         m_boxes->answer(MsgResult::No);
         s->cmdDelete_Click();
-        QCOMPARE(listed(*s), QStringList{QStringLiteral("B two")});
+        QCOMPARE(listed(*s), QStringList {QStringLiteral("B two")});
     }
 
     void selectionModeHandsBackTheChosenRecipes()
@@ -313,7 +329,7 @@ private Q_SLOTS:
             selectRows(*s, {0, 2});
             s->lvwRecipes_DblClick(); // a double-click selects in this mode
         });
-        QCOMPARE(ChooseRecipes(), (QStringList{"0000012", "0000030"}));
+        QCOMPARE(ChooseRecipes(), (QStringList {"0000012", "0000030"}));
         QCOMPARE(gSubWindows, qint16(0));
     }
 
@@ -324,7 +340,8 @@ private Q_SLOTS:
         s->cmdSearch_Click();
         s->cmdView_Click();
         s->cmdEdit_Click();
-        QCOMPARE(m_boxes->prompts(), (QStringList{"You must select a recipe to View/Print!", "You must select a recipe to Edit/Copy!"}));
+        QCOMPARE(m_boxes->prompts(),
+                 (QStringList {"You must select a recipe to View/Print!", "You must select a recipe to Edit/Copy!"}));
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
         selectRows(*s, {0});
         s->lvwRecipes_DblClick(); // RecipeView is on: view

@@ -23,10 +23,7 @@ class TestSettings : public SessionTest
 {
     Q_OBJECT
 public:
-    TestSettings()
-        : SessionTest(false)
-    {
-    }
+    TestSettings() : SessionTest(false) { }
 
 private Q_SLOTS:
     void loadingFillsControlsAndMemory()
@@ -79,16 +76,18 @@ private Q_SLOTS:
         dialog.show();
         QTest::mouseClick(dialog.cmdClose, Qt::LeftButton);
         QCOMPARE(m_boxes->boxes.size(), 1);
-        QVERIFY(m_boxes->boxes[0].prompt.startsWith(QStringLiteral("You have checked the limit recipe search checkbox.\n\n")));
+        QVERIFY(m_boxes->boxes[0].prompt.startsWith(
+            QStringLiteral("You have checked the limit recipe search checkbox.\n\n")));
         QVERIFY(m_boxes->boxes[0].prompt.endsWith(QStringLiteral("the search window will return no recipes!")));
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Confirmation"));
         QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Information);
         QVERIFY(!dialog.isVisible());
         const QString dir = m_home->dir();
         QCOMPARE(ReadFile(m_home->iniPath()),
-                 QStringLiteral("[Print_Settings]\nBaseFontSize=11\nNewPage=True\nBlankLines=True\nPageNumbers=False\n\n"
-                                "[Files]\nTransfer=C:\\Recipes\\transfer.txt\nPreview=%1/recipes.rtf\nDatabase=%1/PANTRIO.MDB\n\n"
-                                "[Misc]\nRecipeView=True\nSeek=True\nSeekAmount=False\nStandardAdd=False\nOnlyNewRecipes=True\n")
+                 QStringLiteral(
+                     "[Print_Settings]\nBaseFontSize=11\nNewPage=True\nBlankLines=True\nPageNumbers=False\n\n"
+                     "[Files]\nTransfer=C:\\Recipes\\transfer.txt\nPreview=%1/recipes.rtf\nDatabase=%1/PANTRIO.MDB\n\n"
+                     "[Misc]\nRecipeView=True\nSeek=True\nSeekAmount=False\nStandardAdd=False\nOnlyNewRecipes=True\n")
                      .arg(dir));
         QVERIFY(gSettings.OnlyNewRecipes);
         QCOMPARE(gSettings.BaseFontSize, 11);
@@ -105,7 +104,7 @@ private Q_SLOTS:
         frmSettings dialog;
         dialog.cmdClose_Click();
         // The new Misc keys land under the next section's header, as every writer does.
-        QCOMPARE(GetIniSection(m_home->iniPath(), "Misc"), QStringList{QStringLiteral("Seek=True")});
+        QCOMPARE(GetIniSection(m_home->iniPath(), "Misc"), QStringList {QStringLiteral("Seek=True")});
         QCOMPARE(GetIniValue(m_home->iniPath(), "Rating", "StandardAdd"), QStringLiteral("False"));
     }
 
@@ -160,7 +159,7 @@ private Q_SLOTS:
         enter("9", "Pickles");
         w.cmdAdd_Click();
         QStringList expected = entries();
-        QCOMPARE(expected.mid(0, 2), (QStringList{"00=", "01=Starters"}));
+        QCOMPARE(expected.mid(0, 2), (QStringList {"00=", "01=Starters"}));
         // Compared with its "=": "05=" sorts after "055".
         QCOMPARE(expected.indexOf(QStringLiteral("055=Pies")) + 1, expected.indexOf(QStringLiteral("05=Main Dishes")));
         QCOMPARE(expected.last(), QStringLiteral("9=Pickles"));
@@ -169,9 +168,12 @@ private Q_SLOTS:
         enter("00", "x");
         w.cmdAdd_Click();
         w.cmdDelete_Click();
-        QCOMPARE(m_boxes->prompts(), (QStringList{
-            "Users are not permitted to change this list item.  \nThis is the default value of the selected list!",
-            "Users are not permitted to remove this list item.  \nThis is the default value of the selected list!"}));
+        QCOMPARE(
+            m_boxes->prompts(),
+            (QStringList {
+                "Users are not permitted to change this list item.  \nThis is the default value of the selected list!",
+                "Users are not permitted to remove this list item.  \nThis is the default value of the selected "
+                "list!"}));
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Invalid Option"));
         for (const char *order : {"0", "000"}) {
             enter(order, "odd");
@@ -187,11 +189,12 @@ private Q_SLOTS:
         enter("", "nothing");
         w.cmdAdd_Click();
         w.cmdDelete_Click();
-        QCOMPARE(m_boxes->prompts().mid(4), (QStringList{"You must have an order entered and a section selected.",
-                                                        "You must enter the ID/Order for the item to delete!"}));
+        QCOMPARE(m_boxes->prompts().mid(4), (QStringList {"You must have an order entered and a section selected.",
+                                                          "You must enter the ID/Order for the item to delete!"}));
         // The first entry of an absent section creates it at the end of the file.
         DeleteIniKey(m_home->iniPath(), QStringLiteral("Rating"), QStringLiteral("00"));
-        WriteFile(m_home->iniPath(), ReadFile(m_home->iniPath()).replace(QStringLiteral("[Rating]"), QStringLiteral("[Gone]")).toUtf8());
+        WriteFile(m_home->iniPath(),
+                  ReadFile(m_home->iniPath()).replace(QStringLiteral("[Rating]"), QStringLiteral("[Gone]")).toUtf8());
         w.cboSection->setCurrentIndex(9);
         w.cboSection_Click();
         QCOMPARE(w.lvwEntries->topLevelItemCount(), 1); // one empty entry
@@ -248,7 +251,7 @@ private Q_SLOTS:
         m_boxes->answerFile(QStringLiteral("/home/cook/week.pdf"));
         QTest::mouseClick(dialog.cmdBrowseFilename, Qt::LeftButton);
         QCOMPARE(dialog.txtFilename->text(), QStringLiteral("/home/cook/week.pdf"));
-        QCOMPARE(m_boxes->fileDialogs, (QStringList{"Preview File", m_home->path("recipes.rtf")}));
+        QCOMPARE(m_boxes->fileDialogs, (QStringList {"Preview File", m_home->path("recipes.rtf")}));
         m_boxes->answerFile(QString()); // Cancel keeps the name
         QTest::mouseClick(dialog.cmdBrowseTransfer, Qt::LeftButton);
         QCOMPARE(dialog.txtTransfer->text(), m_home->path("transfer.txt"));

@@ -47,10 +47,7 @@ class TestStartup : public SessionTest
 {
     Q_OBJECT
 public:
-    TestStartup()
-        : SessionTest(false)
-    {
-    }
+    TestStartup() : SessionTest(false) { }
 
 private:
     std::unique_ptr<FakeShell> m_shell;
@@ -99,9 +96,11 @@ private Q_SLOTS:
         ConnectAtStartup();
         QVERIFY(m_shell->started.isEmpty());
         QCOMPARE(m_boxes->waited(), 0.0);
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("The recipe database ") + usb +
-                                                 QStringLiteral(" was not found.\n\nIf it is on a drive that is not connected, connect the drive "
-                                                                "and start Mirepan again. Until then Mirepan runs without its database.")});
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList {
+                     QStringLiteral("The recipe database ") + usb +
+                     QStringLiteral(" was not found.\n\nIf it is on a drive that is not connected, connect the drive "
+                                    "and start Mirepan again. Until then Mirepan runs without its database.")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Database not found"));
         QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
         QVERIFY(gNotConnected);
@@ -125,9 +124,11 @@ private Q_SLOTS:
         ConnectAtStartup();
         QVERIFY(m_shell->started.isEmpty()); // no "Creating DSN" road
         QCOMPARE(m_boxes->waited(), 0.0);
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("The recipe database ") + m_home->databasePath() +
-                                                 QStringLiteral(" cannot be used: it is not a database, or it is damaged (file is not a database)."
-                                                                "\n\nThe file was left as it is. Mirepan runs without its database.")});
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList {
+                     QStringLiteral("The recipe database ") + m_home->databasePath() +
+                     QStringLiteral(" cannot be used: it is not a database, or it is damaged (file is not a database)."
+                                    "\n\nThe file was left as it is. Mirepan runs without its database.")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
         QCOMPARE(ReadBytes(m_home->databasePath()), QByteArray(5000, '\x5a'));
         QVERIFY(gNotConnected);
@@ -148,9 +149,11 @@ private Q_SLOTS:
         QVERIFY(m_shell->started.isEmpty());
         QCOMPARE(m_boxes->boxes.size(), 1);
         const QString prompt = m_boxes->prompts().first();
-        QVERIFY2(prompt.startsWith(QStringLiteral("The recipe database recipes on 127.0.0.1 cannot be used: ")), qPrintable(prompt));
-        QVERIFY2(prompt.endsWith(QStringLiteral("Check that the server is running and can be reached from this computer, then "
-                                                "start Mirepan again. Until then Mirepan runs without its database.")),
+        QVERIFY2(prompt.startsWith(QStringLiteral("The recipe database recipes on 127.0.0.1 cannot be used: ")),
+                 qPrintable(prompt));
+        QVERIFY2(prompt.endsWith(
+                     QStringLiteral("Check that the server is running and can be reached from this computer, then "
+                                    "start Mirepan again. Until then Mirepan runs without its database.")),
                  qPrintable(prompt));
         QVERIFY(!prompt.contains(QStringLiteral("never-shown")));
         QCOMPARE(FindDataSource(kDataSourceName).password, QStringLiteral("never-shown")); // the entry stays
@@ -163,9 +166,10 @@ private Q_SLOTS:
     {
         const auto regVesk = [](const QStringList &arguments) {
             QProcess process;
-            process.start(RegVeskPath(), QStringList{QStringLiteral("/server")} + arguments);
+            process.start(RegVeskPath(), QStringList {QStringLiteral("/server")} + arguments);
             process.waitForFinished();
-            return std::pair(process.exitCode(), QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError()));
+            return std::pair(process.exitCode(),
+                             QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError()));
         };
         QCOMPARE(regVesk({QStringLiteral("host=x"), QStringLiteral("colour=red")}).first, 2);
         QCOMPARE(regVesk({QStringLiteral("host=x")}).first, 2); // no database named
@@ -173,8 +177,8 @@ private Q_SLOTS:
         if (TestServerDir().isEmpty())
             QSKIP("the rest needs the test server");
         const DataSource empty = EmptyServerDatabase(QStringLiteral("setup"));
-        const QStringList arguments{QStringLiteral("host=") + empty.host, QStringLiteral("port=%1").arg(empty.port),
-                                    QStringLiteral("dbname=") + empty.database, QStringLiteral("user=") + empty.user};
+        const QStringList arguments {QStringLiteral("host=") + empty.host, QStringLiteral("port=%1").arg(empty.port),
+                                     QStringLiteral("dbname=") + empty.database, QStringLiteral("user=") + empty.user};
         auto [status, said] = regVesk(arguments);
         QVERIFY2(status == 0, qPrintable(said));
         QVERIFY(said.contains(QStringLiteral("created the recipe tables")));
@@ -201,7 +205,8 @@ private Q_SLOTS:
             db.close();
         }
         QSqlDatabase::removeDatabase(QStringLiteral("other"));
-        std::tie(status, said) = regVesk({arguments[0], arguments[1], QStringLiteral("dbname=") + other.database, arguments[3]});
+        std::tie(status, said) =
+            regVesk({arguments[0], arguments[1], QStringLiteral("dbname=") + other.database, arguments[3]});
         QCOMPARE(status, 1);
         QVERIFY2(said.contains(QStringLiteral("already holds tables")), qPrintable(said));
         QCOMPARE(FindDataSource(kDataSourceName).database, empty.database);
@@ -212,7 +217,7 @@ private Q_SLOTS:
         WriteIniValue(m_home->iniPath(), "FIRSTRUN", "CONDB=YES");
         std::unique_ptr<frmMain> main = Startup(); // the set-up utility does nothing here
         QCOMPARE(m_boxes->prompts(),
-                 QStringList{QStringLiteral("Vesk is now going to attempt to reconnect to the database...")});
+                 QStringList {QStringLiteral("Vesk is now going to attempt to reconnect to the database...")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Mirepan"));
         QCOMPARE(m_boxes->boxes[0].style.buttons, MsgButtons::Ok);
         QVERIFY(gNotConnected);
@@ -290,7 +295,8 @@ private Q_SLOTS:
         main.show();
         gSubWindows = 1;
         QVERIFY(!main.cmdExit_Click());
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You cannot exit the Mirepan while Sub-Windows are open.")});
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList {QStringLiteral("You cannot exit the Mirepan while Sub-Windows are open.")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
         QVERIFY(main.isVisible());
         gSubWindows = 0;
@@ -313,7 +319,7 @@ private Q_SLOTS:
         QStringList menus;
         for (QAction *a : main.menuBar()->actions())
             menus << a->text();
-        QCOMPARE(menus, (QStringList{"&File", "&Tools", "&Help"}));
+        QCOMPARE(menus, (QStringList {"&File", "&Tools", "&Help"}));
         // Add opens a new editor each time, from the menu and from the button.
         main.mnuAdd->trigger();
         QTest::mouseClick(main.cmdAddRecipe, Qt::LeftButton);
@@ -336,7 +342,7 @@ private Q_SLOTS:
         frmMain main;
         QFile::copy(QStringLiteral(MIREPAN_SOURCE_DIR "/data/vesk_um.rtf"), m_home->path("vesk_um.rtf"));
         main.mnuUM->trigger();
-        QCOMPARE(m_shell->opened, QStringList{m_home->path("vesk_um.rtf")});
+        QCOMPARE(m_shell->opened, QStringList {m_home->path("vesk_um.rtf")});
         QVERIFY(m_boxes->boxes.isEmpty());
         main.mnuWebPage->trigger(); // not shipped into the test directory: a clear message
         QCOMPARE(m_boxes->boxes.size(), 1);
@@ -355,7 +361,8 @@ private Q_SLOTS:
             QTest::qWait(300);
         }
         qunsetenv("MIREPAN_OPENER");
-        QTRY_COMPARE(m_boxes->prompts(), QStringList{QStringLiteral("The user manual could not be opened:\n") + m_home->path("vesk_um.rtf")});
+        QTRY_COMPARE(m_boxes->prompts(), QStringList {QStringLiteral("The user manual could not be opened:\n") +
+                                                      m_home->path("vesk_um.rtf")});
         QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
     }
 
@@ -364,8 +371,9 @@ private Q_SLOTS:
         frmMain main;
         main.mnuList->trigger();
         QCOMPARE(visibleWindows<frmMaint>(), 1);
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral(
-            "Be careful when making changes to the values in the combo boxes!\nYour changes will immediately affect the lists available in the software.")});
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList {QStringLiteral("Be careful when making changes to the values in the combo boxes!\nYour "
+                                             "changes will immediately affect the lists available in the software.")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Warning"));
         QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
     }

@@ -178,13 +178,14 @@ private Q_SLOTS:
 
     void importAddsEveryRecipeUnderNewIdsAndAsksTheSecondTime()
     {
-        const QStringList ids{store(recipe(QStringLiteral("One"))), store(recipe(QStringLiteral("Two"), 3, 2))};
+        const QStringList ids {store(recipe(QStringLiteral("One"))), store(recipe(QStringLiteral("Two"), 3, 2))};
         exportRecipes(ids);
         m_boxes->clear();
         importFile();
         QCOMPARE(m_boxes->boxes.first().prompt, QStringLiteral("This will import recipes from ") + m_file +
                                                     QStringLiteral(".  \n\nWould you like to continue?"));
-        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("All Recipes selected have been imported from ") + m_file);
+        QCOMPARE(m_boxes->boxes.last().prompt,
+                 QStringLiteral("All Recipes selected have been imported from ") + m_file);
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Export Completed!"));
         QCOMPARE(describe(3), describe(1));
         QCOMPARE(describe(4), describe(2));
@@ -192,8 +193,9 @@ private Q_SLOTS:
 
         importFile(MsgResult::Yes);
         QCOMPARE(m_boxes->boxes[m_boxes->boxes.size() - 2].prompt,
-                 m_file + QStringLiteral(" has already been imported at least once.  Would you like to import it again?"));
-        QCOMPARE(titlesFrom(1), (QStringList{"One", "Two", "One", "Two", "One", "Two"}));
+                 m_file +
+                     QStringLiteral(" has already been imported at least once.  Would you like to import it again?"));
+        QCOMPARE(titlesFrom(1), (QStringList {"One", "Two", "One", "Two", "One", "Two"}));
 
         importFile(MsgResult::No);
         m_boxes->answer(MsgResult::No);
@@ -208,8 +210,8 @@ private Q_SLOTS:
         t.Import();
         t.FileName = m_home->path(QStringLiteral("absent.txt"));
         t.Import();
-        QCOMPARE(m_boxes->prompts(), (QStringList{"Please set the Transfer file name in the pantrio.ini file!",
-                                                  t.FileName + " does not exist!"}));
+        QCOMPARE(m_boxes->prompts(), (QStringList {"Please set the Transfer file name in the pantrio.ini file!",
+                                                   t.FileName + " does not exist!"}));
     }
 
     // Two hundred recipes of every kind of text go out and come back equal, except where the
@@ -218,10 +220,11 @@ private Q_SLOTS:
     // is looked for is not carried either.)
     void roundTripOfVariedRecipes()
     {
-        const QStringList texts{"Mom's pie",       "Crème brûlée",  "寿司 rolls",   "",         "---",
-                                "100% rye",        "O'Brien's 'best'", "a \"quoted\" word", "x = y", "[bracketed]",
-                                QString(300, u'w'), "Title=looks like a key", "SELECT * FROM RECIPE"};
-        const QStringList uncarried{"two\nlines", "a | b", " padded "};
+        const QStringList texts {
+            "Mom's pie",        "Crème brûlée",           "寿司 rolls",          "",      "---",
+            "100% rye",         "O'Brien's 'best'",       "a \"quoted\" word",   "x = y", "[bracketed]",
+            QString(300, u'w'), "Title=looks like a key", "SELECT * FROM RECIPE"};
+        const QStringList uncarried {"two\nlines", "a | b", " padded "};
         QRandomGenerator random(42);
         auto pick = [&random](const QStringList &from) { return from[random.bounded(int(from.size()))]; };
         QStringList ids;
@@ -241,10 +244,9 @@ private Q_SLOTS:
                 line.direction = pick(texts);
             const QString id = store(r);
             QVERIFY2(!id.isEmpty(), qPrintable(r.title));
-            const bool lost = QStringList{r.notes}.filter(QRegularExpression(QStringLiteral("\n"))).size() > 0 ||
-                              std::any_of(r.ingredients.cbegin(), r.ingredients.cend(), [&](const IngredientLine &l) {
-                                  return uncarried.contains(l.ingredient);
-                              });
+            const bool lost = QStringList {r.notes}.filter(QRegularExpression(QStringLiteral("\n"))).size() > 0 ||
+                              std::any_of(r.ingredients.cbegin(), r.ingredients.cend(),
+                                          [&](const IngredientLine &l) { return uncarried.contains(l.ingredient); });
             ids << id;
             carried << !lost;
         }
@@ -271,31 +273,31 @@ private Q_SLOTS:
             return "[" + QByteArray::number(n) + "]\n" + head + title + tail + lines + "\n";
         };
         const QByteArray two = section(1, "A") + section(2, "B");
-        QTest::newRow("well formed") << two + "[ID]\nMax=2\n" << QStringList{"A", "B"} << QStringList{};
-        QTest::newRow("cut short") << two + "[3]\nServings=2\nType=F\nCat" << QStringList{"A", "B"}
-                                   << QStringList{"Recipe 3: it has 3 of the 8 lines a recipe begins with"};
-        QTest::newRow("windows line ends") << QByteArray(two + "[ID]\nMax=2\n").replace("\n", "\r\n")
-                                           << QStringList{"A", "B"} << QStringList{};
-        QTest::newRow("sections out of order") << section(2, "B") + "[ID]\nMax=2\n" + section(1, "A")
-                                               << QStringList{"A", "B"} << QStringList{};
-        QTest::newRow("a gap ends it") << section(1, "A") + section(3, "C") << QStringList{"A"} << QStringList{};
-        QTest::newRow("Max not a number") << two + "[ID]\nMax=many\n" << QStringList{"A", "B"} << QStringList{};
-        QTest::newRow("Max too large") << two + "[ID]\nMax=99999999\n" << QStringList{"A", "B"} << QStringList{};
-        QTest::newRow("binary") << QByteArray("\x00\x01\xff[\x00]=\n\x80", 10) << QStringList{} << QStringList{};
-        QTest::newRow("empty") << QByteArray() << QStringList{} << QStringList{};
+        QTest::newRow("well formed") << two + "[ID]\nMax=2\n" << QStringList {"A", "B"} << QStringList {};
+        QTest::newRow("cut short") << two + "[3]\nServings=2\nType=F\nCat" << QStringList {"A", "B"}
+                                   << QStringList {"Recipe 3: it has 3 of the 8 lines a recipe begins with"};
+        QTest::newRow("windows line ends")
+            << QByteArray(two + "[ID]\nMax=2\n").replace("\n", "\r\n") << QStringList {"A", "B"} << QStringList {};
+        QTest::newRow("sections out of order")
+            << section(2, "B") + "[ID]\nMax=2\n" + section(1, "A") << QStringList {"A", "B"} << QStringList {};
+        QTest::newRow("a gap ends it") << section(1, "A") + section(3, "C") << QStringList {"A"} << QStringList {};
+        QTest::newRow("Max not a number") << two + "[ID]\nMax=many\n" << QStringList {"A", "B"} << QStringList {};
+        QTest::newRow("Max too large") << two + "[ID]\nMax=99999999\n" << QStringList {"A", "B"} << QStringList {};
+        QTest::newRow("binary") << QByteArray("\x00\x01\xff[\x00]=\n\x80", 10) << QStringList {} << QStringList {};
+        QTest::newRow("empty") << QByteArray() << QStringList {} << QStringList {};
         QTest::newRow("step not a number")
-            << section(1, "A", "Ing1=1 | cup | rice | rice\nDir1=x | Boil.\nDir2=2 | Serve.") << QStringList{"A"}
-            << QStringList{"Recipe 1 (A), Dir1: the step \"x\" is not a number"};
+            << section(1, "A", "Ing1=1 | cup | rice | rice\nDir1=x | Boil.\nDir2=2 | Serve.") << QStringList {"A"}
+            << QStringList {"Recipe 1 (A), Dir1: the step \"x\" is not a number"};
         QTest::newRow("apostrophe that ends a text")
             << section(1, "Mom', s") + section(2, "B", "Ing1=1 | cup | rice', brown | rice\nIng2=1 | | salt | salt")
-            << QStringList{"B"}
-            << QStringList{"Recipe 1 (Mom', s): the apostrophe in \"Mom', s\" would end the text early",
-                           "Recipe 2 (B), Ing1: the apostrophe in \"rice', brown\" would end the text early"};
+            << QStringList {"B"}
+            << QStringList {"Recipe 1 (Mom', s): the apostrophe in \"Mom', s\" would end the text early",
+                            "Recipe 2 (B), Ing1: the apostrophe in \"rice', brown\" would end the text early"};
         QTest::newRow("missing ingredient number ends the list")
             << section(1, "A", "Ing1=1 | cup | rice | rice\nIng3=1 | | salt | salt\nDir1=1 | Boil.")
-            << QStringList{"A"} << QStringList{};
+            << QStringList {"A"} << QStringList {};
         QTest::newRow("a line of 100,000 characters")
-            << section(1, "A", "Dir1=1 | " + QByteArray(100000, 'z')) << QStringList{"A"} << QStringList{};
+            << section(1, "A", "Dir1=1 | " + QByteArray(100000, 'z')) << QStringList {"A"} << QStringList {};
     }
     void badFilesImportWhatTheyCan()
     {
@@ -325,7 +327,7 @@ private Q_SLOTS:
 
         QFile::remove(m_file);
         ViewTransferFile();
-        QCOMPARE(m_boxes->prompts(), QStringList{m_file + " does not exist!"});
+        QCOMPARE(m_boxes->prompts(), QStringList {m_file + " does not exist!"});
     }
 
     void resetDeletesAfterAsking()
@@ -339,8 +341,9 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(m_file));
         m_boxes->answer(MsgResult::Yes);
         ResetTransferFile();
-        QCOMPARE(m_boxes->boxes.last().prompt, QStringLiteral("There was an error deleting ") + m_file +
-                                                   QStringLiteral("\n\nThis is most often because the file does not exist."));
+        QCOMPARE(m_boxes->boxes.last().prompt,
+                 QStringLiteral("There was an error deleting ") + m_file +
+                     QStringLiteral("\n\nThis is most often because the file does not exist."));
         QCOMPARE(m_boxes->boxes.last().style.icon, MsgIcon::Critical);
         QCOMPARE(m_boxes->boxes.first().prompt, QStringLiteral("Delete the file: ") + m_file + u'?');
         gSettings.Transfer.clear();

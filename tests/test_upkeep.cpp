@@ -41,11 +41,15 @@ private Q_SLOTS:
         addRecipe(1);
         m_boxes->answer(MsgResult::Yes);
         BackupDatabase();
-        QCOMPARE(m_boxes->prompts(), (QStringList{
-            QStringLiteral("This will make a backup copy of %1PANTRIO.MDB as %1PANTRIO.BAK.\nAre you sure you want to backup the current database?").arg(dir()),
-            QStringLiteral("Backup created as: %1PANTRIO.BAK").arg(dir())}));
+        QCOMPARE(m_boxes->prompts(),
+                 (QStringList {QStringLiteral("This will make a backup copy of %1PANTRIO.MDB as %1PANTRIO.BAK.\nAre "
+                                              "you sure you want to backup the current database?")
+                                   .arg(dir()),
+                               QStringLiteral("Backup created as: %1PANTRIO.BAK").arg(dir())}));
         QCOMPARE(m_boxes->boxes.last().style.icon, MsgIcon::Information);
-        QCOMPARE(m_boxes->statusAtWait, (QStringList(2, QStringLiteral("Please wait while the database is disconnected, copied, and reconnected..."))));
+        QCOMPARE(m_boxes->statusAtWait,
+                 (QStringList(
+                     2, QStringLiteral("Please wait while the database is disconnected, copied, and reconnected..."))));
         QVERIFY(!gNotConnected);
         QCOMPARE(RecipeDatabaseProblem(file("PANTRIO.BAK")), QString());
 
@@ -56,7 +60,8 @@ private Q_SLOTS:
         m_boxes->answer(MsgResult::Yes);
         m_boxes->answer(MsgResult::No);
         BackupDatabase();
-        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("There is already a backup DB.  Do you want to overwrite it?"));
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("There is already a backup DB.  Do you want to overwrite it?"));
         QCOMPARE(ReadBytes(file("PANTRIO.BAK")), backup);
         QVERIFY(!gNotConnected);
 
@@ -66,7 +71,8 @@ private Q_SLOTS:
             m_boxes->clear();
             m_boxes->answer(MsgResult::Yes);
             RestoreDatabase();
-            QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Database restored from: %1PANTRIO.BAK and copied to %1PANTRIO.OLD").arg(dir()));
+            QCOMPARE(m_boxes->prompts().last(),
+                     QStringLiteral("Database restored from: %1PANTRIO.BAK and copied to %1PANTRIO.OLD").arg(dir()));
             QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Confirmation"));
             QCOMPARE(ReadBytes(file("PANTRIO.MDB")), backup);
             QCOMPARE(ReadBytes(file("PANTRIO.OLD")), live);
@@ -88,10 +94,12 @@ private Q_SLOTS:
         WriteFile(file("live.MDB"), first);
         QRandomGenerator random(1123);
         for (int kill = 0; kill < 60; ++kill) {
-            QVERIFY(KillWhileWriting({QStringLiteral("copy"), file(kill % 2 ? "first.BAK" : "second.BAK"), file("live.MDB")},
-                                     random, 15000));
+            QVERIFY(KillWhileWriting(
+                {QStringLiteral("copy"), file(kill % 2 ? "first.BAK" : "second.BAK"), file("live.MDB")}, random,
+                15000));
             const QByteArray live = ReadBytes(file("live.MDB"));
-            QVERIFY2(live == first || live == second, qPrintable(QStringLiteral("kill %1: %2 bytes").arg(kill).arg(live.size())));
+            QVERIFY2(live == first || live == second,
+                     qPrintable(QStringLiteral("kill %1: %2 bytes").arg(kill).arg(live.size())));
         }
     }
 
@@ -111,7 +119,8 @@ private Q_SLOTS:
         {
             StatementBatch batch;
             for (int id = 1; id <= 1500; ++id)
-                StoreTestRecipe(TestRecipe(QStringLiteral("Stew %1").arg(id), {"1|cup|Beans, soaked|beans", "2|lb|Beef|beef"},
+                StoreTestRecipe(TestRecipe(QStringLiteral("Stew %1").arg(id),
+                                           {"1|cup|Beans, soaked|beans", "2|lb|Beef|beef"},
                                            {QString(300, u's'), QString(300, u't')}),
                                 id);
             QVERIFY(batch.commit());
@@ -121,7 +130,8 @@ private Q_SLOTS:
         if (byBackup) {
             m_boxes->answer(MsgResult::Yes);
             BackupDatabase();
-            QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Backup created as: ") + dir() + QStringLiteral("PANTRIO.BAK"));
+            QCOMPARE(m_boxes->prompts().last(),
+                     QStringLiteral("Backup created as: ") + dir() + QStringLiteral("PANTRIO.BAK"));
         } else {
             EndProgram();
         }
@@ -138,18 +148,23 @@ private Q_SLOTS:
         const QByteArray live = ReadBytes(file("PANTRIO.MDB"));
         // No backup yet: refused before anything is asked.
         RestoreDatabase();
-        QCOMPARE(m_boxes->prompts(), QStringList{QStringLiteral("You do not have a backup database yet!\n\nYou must backup your database before you can recover!")});
+        QCOMPARE(
+            m_boxes->prompts(),
+            QStringList {QStringLiteral(
+                "You do not have a backup database yet!\n\nYou must backup your database before you can recover!")});
         // A backup that is no database.
         WriteFile(file("PANTRIO.BAK"), "not a database at all");
         m_boxes->answer(MsgResult::Yes);
         RestoreDatabase();
-        QVERIFY(m_boxes->prompts().last().startsWith(QStringLiteral("The backup %1PANTRIO.BAK cannot be restored: it is not a database").arg(dir())));
+        QVERIFY(m_boxes->prompts().last().startsWith(
+            QStringLiteral("The backup %1PANTRIO.BAK cannot be restored: it is not a database").arg(dir())));
         // A backup that cannot be written (the copy's place is taken).
         QDir().mkpath(file("PANTRIO.BAK.new/x"));
         m_boxes->answer(MsgResult::Yes);
         m_boxes->answer(MsgResult::Yes);
         BackupDatabase();
-        QVERIFY(m_boxes->prompts().last().startsWith(QStringLiteral("The backup could not be made as %1PANTRIO.BAK.").arg(dir())));
+        QVERIFY(m_boxes->prompts().last().startsWith(
+            QStringLiteral("The backup could not be made as %1PANTRIO.BAK.").arg(dir())));
         QCOMPARE(ReadBytes(file("PANTRIO.BAK")), QByteArray("not a database at all"));
         QCOMPARE(ReadBytes(file("PANTRIO.MDB")), live);
         QVERIFY(!QFile::exists(file("PANTRIO.OLD")));
@@ -163,10 +178,14 @@ private Q_SLOTS:
         gSettings.Database = QStringLiteral("PANTRIO.MDB"); // no directory
         BackupDatabase();
         RestoreDatabase();
-        QCOMPARE(m_boxes->prompts(), QStringList(2, QStringLiteral("You have not set the filename for the database yet!")));
+        QCOMPARE(m_boxes->prompts(),
+                 QStringList(2, QStringLiteral("You have not set the filename for the database yet!")));
         gSettings.Database = m_home->path("away/PANTRIO.MDB");
         BackupDatabase();
-        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("There was a problem locating %1away/ PANTRIO.MDB!\nPlease check the DB Path in your settings.").arg(dir()));
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral(
+                     "There was a problem locating %1away/ PANTRIO.MDB!\nPlease check the DB Path in your settings.")
+                     .arg(dir()));
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Database not found"));
     }
 
@@ -190,8 +209,12 @@ private Q_SLOTS:
             const RecordedBox &box = m_boxes->boxes[what[0] == 'B' ? 0 : 1];
             QCOMPARE(box.title, QLatin1String(what));
             QCOMPARE(box.style.icon, MsgIcon::Information);
-            QVERIFY2(box.prompt.startsWith(QLatin1String(what) + QStringLiteral(" applies to a database file")), qPrintable(box.prompt));
-            QVERIFY(box.prompt.contains(QStringLiteral("pg_dump -h %1 -p %2 -Fc -f pantrio.dump %3").arg(source.host).arg(source.port).arg(source.database)));
+            QVERIFY2(box.prompt.startsWith(QLatin1String(what) + QStringLiteral(" applies to a database file")),
+                     qPrintable(box.prompt));
+            QVERIFY(box.prompt.contains(QStringLiteral("pg_dump -h %1 -p %2 -Fc -f pantrio.dump %3")
+                                            .arg(source.host)
+                                            .arg(source.port)
+                                            .arg(source.database)));
             QVERIFY(box.prompt.contains(QStringLiteral("pg_restore -h ")));
         }
         QCOMPARE(QDir(m_home->dir()).entryList(QDir::Files), before); // no file made
@@ -211,7 +234,9 @@ private Q_SLOTS:
         CloseDatabase();
         m_boxes->answer(MsgResult::Yes);
         ResetRatings();
-        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
+        QCOMPARE(
+            m_boxes->prompts().last(),
+            QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
     }
 };
 

@@ -106,24 +106,24 @@ void CleanCabinet()
         return;
     runTool(QStringLiteral("Attempting to delete duplicates in the cabinet..."), QStringLiteral("checked"),
             [](ProgressCounter &progress, QStringList &passedOver) {
-        QStringList items;
-        gSQL = QStringLiteral("SELECT DISTINCT item FROM CABINET");
-        for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
-            items.append(rs.text(0));
-        for (const QString &item : items) {
-            gSQL = QStringLiteral("SELECT * FROM INGREDIENTS WHERE cabinet = '") + item + u'\'';
-            const Recordset used = ExecuteSQL(gSQL);
-            if (used.failed()) {
-                passedOver.append(item); // not asked about: whether it is used is not known
-            } else if (used.eof() &&
-                       MsgBox(QStringLiteral("Would you like to remove ") + item + QStringLiteral(" from the cabinet?"),
-                              Msg::Question, QStringLiteral("Confirmation")) == MsgResult::Yes) {
-                gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + item + u'\'';
-                ExecuteSQL(gSQL);
-            }
-            progress.advance();
-        }
-    });
+                QStringList items;
+                gSQL = QStringLiteral("SELECT DISTINCT item FROM CABINET");
+                for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
+                    items.append(rs.text(0));
+                for (const QString &item : items) {
+                    gSQL = QStringLiteral("SELECT * FROM INGREDIENTS WHERE cabinet = '") + item + u'\'';
+                    const Recordset used = ExecuteSQL(gSQL);
+                    if (used.failed()) {
+                        passedOver.append(item); // not asked about: whether it is used is not known
+                    } else if (used.eof() && MsgBox(QStringLiteral("Would you like to remove ") + item +
+                                                        QStringLiteral(" from the cabinet?"),
+                                                    Msg::Question, QStringLiteral("Confirmation")) == MsgResult::Yes) {
+                        gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + item + u'\'';
+                        ExecuteSQL(gSQL);
+                    }
+                    progress.advance();
+                }
+            });
     MsgBox(QStringLiteral("The cabinet has been cleaned!"), Msg::Ok, QStringLiteral("Confirmation"));
 }
 
@@ -134,40 +134,42 @@ void RefreshCabinet()
     bool kept = true;
     runTool(QStringLiteral("Refreshing cabinet..."), QStringLiteral("added"),
             [&kept](ProgressCounter &progress, QStringList &passedOver) {
-        // Only the pairs not yet in the cabinet are inserted: an existing pair would fail as a
-        // duplicate, once for every item the household already has.
-        QSet<QString> present;
-        for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT item, type FROM CABINET")); rs && !rs.eof(); rs.MoveNext())
-            present.insert(rs.text(0).toUpper() + u'\n' + rs.text(1).toUpper());
-        QList<std::pair<QString, QString>> missing;
-        gSQL = QStringLiteral("SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID");
-        for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {
-            const QString cabinet = rs.text(0);
-            const QString type = rs.text(1);
-            // An empty name (a line brought in without one) is no pantry item.
-            if (!cabinet.isEmpty() && !present.contains(cabinet.toUpper() + u'\n' + type.toUpper())) {
-                present.insert(cabinet.toUpper() + u'\n' + type.toUpper());
-                missing.append({cabinet, type});
-            }
-        }
-        StatementBatch batch; // one commit for all the new items
-        if (!batch.begun()) {
-            batch.reportFailure();
-            kept = false;
-            return;
-        }
-        for (const auto &[cabinet, type] : missing) {
-            gSQL = QStringLiteral("INSERT INTO CABINET VALUES ('") + cabinet + QStringLiteral("', '") + type +
-                   QStringLiteral("', 0)");
-            if (ExecuteSQL(gSQL).failed())
-                passedOver.append(cabinet);
-            progress.advance();
-        }
-        if (!batch.commit()) {
-            batch.reportFailure();
-            kept = false;
-        }
-    });
+                // Only the pairs not yet in the cabinet are inserted: an existing pair would fail as a
+                // duplicate, once for every item the household already has.
+                QSet<QString> present;
+                for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT item, type FROM CABINET")); rs && !rs.eof();
+                     rs.MoveNext())
+                    present.insert(rs.text(0).toUpper() + u'\n' + rs.text(1).toUpper());
+                QList<std::pair<QString, QString>> missing;
+                gSQL = QStringLiteral(
+                    "SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID");
+                for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {
+                    const QString cabinet = rs.text(0);
+                    const QString type = rs.text(1);
+                    // An empty name (a line brought in without one) is no pantry item.
+                    if (!cabinet.isEmpty() && !present.contains(cabinet.toUpper() + u'\n' + type.toUpper())) {
+                        present.insert(cabinet.toUpper() + u'\n' + type.toUpper());
+                        missing.append({cabinet, type});
+                    }
+                }
+                StatementBatch batch; // one commit for all the new items
+                if (!batch.begun()) {
+                    batch.reportFailure();
+                    kept = false;
+                    return;
+                }
+                for (const auto &[cabinet, type] : missing) {
+                    gSQL = QStringLiteral("INSERT INTO CABINET VALUES ('") + cabinet + QStringLiteral("', '") + type +
+                           QStringLiteral("', 0)");
+                    if (ExecuteSQL(gSQL).failed())
+                        passedOver.append(cabinet);
+                    progress.advance();
+                }
+                if (!batch.commit()) {
+                    batch.reportFailure();
+                    kept = false;
+                }
+            });
     if (kept)
         MsgBox(QStringLiteral("The cabinet has been refreshed!"), Msg::Information, QStringLiteral("Confirmation"));
 }
@@ -178,40 +180,40 @@ void RepairCabinet()
         return;
     runTool(QStringLiteral("Attempting to compact the database"), QStringLiteral("changed"),
             [](ProgressCounter &progress, QStringList &passedOver) {
-        QList<std::pair<QString, QString>> rows; // cabinet, ingredient
-        gSQL = QStringLiteral("SELECT DISTINCT cabinet, ingredient FROM INGREDIENTS");
-        for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
-            rows.append({rs.text(0), rs.text(1)});
-        for (const auto &[cabinet, ingredient] : rows) {
-            const QString stem = StripToDelimiter(ingredient);
-            const bool shorter = stem.toUpper() != cabinet.toUpper() && stem.size() < cabinet.size();
-            QString suggestion;
-            if (shorter) {
-                gSQL = QStringLiteral("SELECT cabinet FROM INGREDIENTS WHERE cabinet LIKE '%") + stem +
-                       QStringLiteral("%'");
-                const Recordset rs = ExecuteSQL(gSQL);
-                if (rs && !rs.eof())
-                    suggestion = rs.text(0);
-            }
-            const QString core = cabinet.left(std::max<qsizetype>(0, cabinet.size() - 3));
-            if (shorter && (suggestion.isEmpty() || suggestion != cabinet) &&
-                !ingredient.contains(core, Qt::CaseInsensitive)) {
-                if (frmStatus *window = StatusWindow())
-                    window->hide();
-                const QString question = QStringLiteral("Change the following?\n\nIngredient: ") + ingredient +
-                                         QStringLiteral("\nCurrently in cabinet as: ") + cabinet +
-                                         QStringLiteral("\nNew cabinet suggestion: ") + stem;
-                if (MsgBox(question, Msg::Question, QStringLiteral("Confirmation")) == MsgResult::Yes) {
-                    gSQL = QStringLiteral("UPDATE INGREDIENTS SET cabinet = '") + stem +
-                           QStringLiteral("' WHERE ingredient = '") + ingredient + u'\'';
-                    if (ExecuteSQL(gSQL).failed())
-                        passedOver.append(ingredient);
+                QList<std::pair<QString, QString>> rows; // cabinet, ingredient
+                gSQL = QStringLiteral("SELECT DISTINCT cabinet, ingredient FROM INGREDIENTS");
+                for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
+                    rows.append({rs.text(0), rs.text(1)});
+                for (const auto &[cabinet, ingredient] : rows) {
+                    const QString stem = StripToDelimiter(ingredient);
+                    const bool shorter = stem.toUpper() != cabinet.toUpper() && stem.size() < cabinet.size();
+                    QString suggestion;
+                    if (shorter) {
+                        gSQL = QStringLiteral("SELECT cabinet FROM INGREDIENTS WHERE cabinet LIKE '%") + stem +
+                               QStringLiteral("%'");
+                        const Recordset rs = ExecuteSQL(gSQL);
+                        if (rs && !rs.eof())
+                            suggestion = rs.text(0);
+                    }
+                    const QString core = cabinet.left(std::max<qsizetype>(0, cabinet.size() - 3));
+                    if (shorter && (suggestion.isEmpty() || suggestion != cabinet) &&
+                        !ingredient.contains(core, Qt::CaseInsensitive)) {
+                        if (frmStatus *window = StatusWindow())
+                            window->hide();
+                        const QString question = QStringLiteral("Change the following?\n\nIngredient: ") + ingredient +
+                                                 QStringLiteral("\nCurrently in cabinet as: ") + cabinet +
+                                                 QStringLiteral("\nNew cabinet suggestion: ") + stem;
+                        if (MsgBox(question, Msg::Question, QStringLiteral("Confirmation")) == MsgResult::Yes) {
+                            gSQL = QStringLiteral("UPDATE INGREDIENTS SET cabinet = '") + stem +
+                                   QStringLiteral("' WHERE ingredient = '") + ingredient + u'\'';
+                            if (ExecuteSQL(gSQL).failed())
+                                passedOver.append(ingredient);
+                        }
+                        if (frmStatus *window = StatusWindow())
+                            window->show();
+                    }
+                    progress.advance();
                 }
-                if (frmStatus *window = StatusWindow())
-                    window->show();
-            }
-            progress.advance();
-        }
-    });
+            });
     MsgBox(QStringLiteral("The cabinet is in order!"));
 }

@@ -50,22 +50,22 @@ bool refuseUnstorable(const QString &item)
 
 } // namespace
 
-frmCabinet::frmCabinet(QWidget *parent)
-    : QWidget(parent, Qt::Window)
+frmCabinet::frmCabinet(QWidget *parent) : QWidget(parent, Qt::Window)
 {
     setObjectName(QStringLiteral("frmCabinet"));
     setWindowTitle(QStringLiteral("Cabinet"));
     buildLayout();
     connect(cboRecipeType, &QComboBox::activated, this, [this] { Guarded([this] { cboRecipeType_Click(); }); });
     const std::pair<QPushButton *, void (frmCabinet::*)()> commands[] = {
-        {cmdAdd, &frmCabinet::cmdAdd_Click},         {cmdDelete, &frmCabinet::cmdDelete_Click},
-        {cmdAll, &frmCabinet::cmdAll_Click},         {cmdNone, &frmCabinet::cmdNone_Click},
+        {cmdAdd, &frmCabinet::cmdAdd_Click},           {cmdDelete, &frmCabinet::cmdDelete_Click},
+        {cmdAll, &frmCabinet::cmdAll_Click},           {cmdNone, &frmCabinet::cmdNone_Click},
         {cmdSelected, &frmCabinet::cmdSelected_Click}, {cmdClearSelected, &frmCabinet::cmdClearSelected_Click},
-        {cmdToggle, &frmCabinet::cmdToggle_Click},   {cmdSave, &frmCabinet::cmdSave_Click},
-        {cmdPrint, &frmCabinet::cmdPrint_Click},     {cmdClean, &frmCabinet::cmdClean_Click},
+        {cmdToggle, &frmCabinet::cmdToggle_Click},     {cmdSave, &frmCabinet::cmdSave_Click},
+        {cmdPrint, &frmCabinet::cmdPrint_Click},       {cmdClean, &frmCabinet::cmdClean_Click},
         {cmdClose, &frmCabinet::cmdClose_Click}};
     for (const auto &[button, handler] : commands)
-        connect(button, &QPushButton::clicked, this, [this, handler] { Guarded([this, handler] { (this->*handler)(); }); });
+        connect(button, &QPushButton::clicked, this,
+                [this, handler] { Guarded([this, handler] { (this->*handler)(); }); });
     // A tick set by the user is a change; the list's own loading sets none.
     connect(lvwCabinet, &QTreeWidget::itemChanged, this, [this] { m_changed = true; });
 }
@@ -79,7 +79,9 @@ void frmCabinet::buildLayout()
     lvwCabinet->setColumnWidth(0, 3700 / 15);
     lvwCabinet->setMinimumWidth(3700 / 15 + 24);
     cboRecipeType = Named(new QComboBox(this), "cboRecipeType");
-    auto button = [this](const char *name, const QString &caption) { return Named(new QPushButton(caption, this), name); };
+    auto button = [this](const char *name, const QString &caption) {
+        return Named(new QPushButton(caption, this), name);
+    };
     cmdAdd = button("cmdAdd", QStringLiteral("&Add..."));
     cmdDelete = button("cmdDelete", QStringLiteral("&Delete"));
     cmdAll = button("cmdAll", QStringLiteral("Tick A&ll"));

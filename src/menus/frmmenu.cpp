@@ -29,9 +29,9 @@ namespace {
 
 const QString kCloseQuestion = QStringLiteral("You have changed data for a menu or Recipe Group without saving!\n\n"
                                               "Would you like to exit without saving your changes?");
-const std::array<const char *, 7> kWeekdays{"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                            "Thursday", "Friday", "Saturday"};
-const std::array<std::pair<const char *, const char *>, 3> kMeals{
+const std::array<const char *, 7> kWeekdays {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                             "Thursday", "Friday", "Saturday"};
+const std::array<std::pair<const char *, const char *>, 3> kMeals {
     {{", Meal: B", "Breakfast"}, {", Meal: L", "Lunch"}, {", Meal: D", "Dinner"}}};
 
 // The weekday's name, Sunday being day 1.
@@ -48,9 +48,7 @@ void setExpandedAll(const MenuTree &tree, const std::function<bool(const QString
 
 } // namespace
 
-frmMenu::frmMenu(QWidget *parent)
-    : QWidget(parent, Qt::Window)
-    , m_tree(nullptr)
+frmMenu::frmMenu(QWidget *parent) : QWidget(parent, Qt::Window), m_tree(nullptr)
 {
     setObjectName(QStringLiteral("frmMenu"));
     setWindowTitle(QStringLiteral("Menu"));
@@ -80,13 +78,16 @@ void frmMenu::buildLayout()
     tvMenu->setHeaderHidden(true);
     tvMenu->setMinimumWidth(260);
     tvMenu->setExpandsOnDoubleClick(false);
-    auto button = [this](const char *name, const QString &caption) { return Named(new QPushButton(caption, this), name); };
+    auto button = [this](const char *name, const QString &caption) {
+        return Named(new QPushButton(caption, this), name);
+    };
     cmdNewGroup = button("cmdNewGroup", QStringLiteral("New &Group"));
     dtDate = Named(new QDateEdit(QDate::currentDate(), this), "dtDate");
     dtDate->setCalendarPopup(true);
     cmdSelectDate = button("cmdSelectDate", QStringLiteral("Add Da&te"));
     fraDailyBreakdown = Named(new QGroupBox(QStringLiteral("Daily Breakdown"), this), "fraDailyBreakdown");
-    const std::array<QString, 3> meals{QStringLiteral("&Breakfast"), QStringLiteral("L&unch"), QStringLiteral("D&inner")};
+    const std::array<QString, 3> meals {QStringLiteral("&Breakfast"), QStringLiteral("L&unch"),
+                                        QStringLiteral("D&inner")};
     auto *mealRow = new QHBoxLayout(fraDailyBreakdown);
     for (int i = 0; i < 3; ++i) {
         chkMeal[i] = new QCheckBox(meals[i], fraDailyBreakdown);
@@ -97,8 +98,8 @@ void frmMenu::buildLayout()
     mealRow->addWidget(cmdMealAdd);
     cmdAddRecipes = button("cmdAddRecipes", QStringLiteral("Add &Recipes"));
     cmdDelete = button("cmdDelete", QStringLiteral("&Delete Entry"));
-    const std::array<QString, 4> expand{QStringLiteral("S&how Group Nodes"), QStringLiteral("E&xpand Group Nodes"),
-                                        QStringLiteral("C&ollapse All Nodes"), QStringLiteral("Expand A&ll Nodes")};
+    const std::array<QString, 4> expand {QStringLiteral("S&how Group Nodes"), QStringLiteral("E&xpand Group Nodes"),
+                                         QStringLiteral("C&ollapse All Nodes"), QStringLiteral("Expand A&ll Nodes")};
     for (int i = 0; i < 4; ++i) {
         cmdExpand[i] = new QPushButton(expand[i], this);
         cmdExpand[i]->setObjectName(QStringLiteral("cmdExpand_%1").arg(i));
@@ -298,8 +299,8 @@ void frmMenu::cmdDelete_Click()
             return;
         m_tree.remove(node);
     } else {
-        if (MsgBox(QStringLiteral("Are you sure you want to remove all sub entries for ") + text + u'?',
-                   Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+        if (MsgBox(QStringLiteral("Are you sure you want to remove all sub entries for ") + text + u'?', Msg::Question,
+                   QStringLiteral("Confirmation")) != MsgResult::Yes)
             return;
         // The group or day is emptied, not removed: a second Delete removes it.
         while (node->childCount() > 0)

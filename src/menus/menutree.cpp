@@ -45,10 +45,7 @@ MenuNode KindOfKey(const QString &key)
     return MenuNode::Root;
 }
 
-MenuTree::MenuTree(QTreeWidget *view)
-    : m_view(view)
-{
-}
+MenuTree::MenuTree(QTreeWidget *view) : m_view(view) { }
 
 QString MenuTree::keyOf(const QTreeWidgetItem *node)
 {
@@ -67,7 +64,7 @@ QTreeWidgetItem *MenuTree::add(const QString &parentKey, const QString &key, con
     QTreeWidgetItem *parent = parentKey.isEmpty() ? nullptr : m_byKey.value(parentKey);
     if (!parentKey.isEmpty() && !parent)
         return nullptr;
-    auto *node = new QTreeWidgetItem(QStringList{text});
+    auto *node = new QTreeWidgetItem(QStringList {text});
     node->setData(0, kKeyRole, key);
     if (parent)
         parent->addChild(node);
@@ -81,7 +78,7 @@ QTreeWidgetItem *MenuTree::add(const QString &parentKey, const QString &key, con
 void MenuTree::remove(QTreeWidgetItem *node)
 {
     QSet<const QTreeWidgetItem *> gone;
-    QList<QTreeWidgetItem *> pending{node};
+    QList<QTreeWidgetItem *> pending {node};
     while (!pending.isEmpty()) {
         QTreeWidgetItem *item = pending.takeLast();
         gone.insert(item);
@@ -146,7 +143,8 @@ qint32 NextNodeNumber(const MenuTree &tree)
     double largest = 0;
     for (const QTreeWidgetItem *node : tree.nodes()) {
         const QString key = MenuTree::keyOf(node);
-        largest = std::max({largest, numberAfter(key, QLatin1String("Day:")), numberAfter(key, QLatin1String("Title:"))});
+        largest =
+            std::max({largest, numberAfter(key, QLatin1String("Day:")), numberAfter(key, QLatin1String("Title:"))});
     }
     if (!(largest < 2147483647.0))
         throw PlatformError(PlatformError::Overflow);

@@ -111,9 +111,10 @@ void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
         WaitCursor busy;
         printer.SetFileName(gSettings.Preview);
         QList<NeededRow> rows;
-        for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT B.cabinet, B.amount, B.measure FROM RECIPE A, INGREDIENTS "
-                                                      "B WHERE A.ID = B.recipe_id AND A.ID IN (") +
-                                       IdListText(ids) + QStringLiteral(") ORDER BY B.cabinet, B.measure DESC"));
+        for (Recordset rs =
+                 ExecuteSQL(QStringLiteral("SELECT B.cabinet, B.amount, B.measure FROM RECIPE A, INGREDIENTS "
+                                           "B WHERE A.ID = B.recipe_id AND A.ID IN (") +
+                            IdListText(ids) + QStringLiteral(") ORDER BY B.cabinet, B.measure DESC"));
              rs && !rs.eof(); rs.MoveNext())
             rows.append({rs.text(0), rs.text(1), rs.text(2)});
         if (rows.isEmpty()) {
@@ -139,14 +140,14 @@ void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
                 amounts = QStringLiteral("N/A   ");
             amounts.chop(3);
             if (!available || available.eof())
-                printer.AddText(QStringLiteral("  -  (") + amounts + QStringLiteral(") *"), kFont, 10, true, true, false,
-                                kRed);
+                printer.AddText(QStringLiteral("  -  (") + amounts + QStringLiteral(") *"), kFont, 10, true, true,
+                                false, kRed);
             else
                 printer.AddText(QStringLiteral("  -  (") + amounts + u')', kFont, 10, false, false);
             printer.AddLine(QString(), kFont, 9, false, false);
         }
-        printer.AddLine(QStringLiteral("* Bold, Italic, Red Amounts mean you are out of this item!\r\n"), kFont, 9, true,
-                        true, false, kRed);
+        printer.AddLine(QStringLiteral("* Bold, Italic, Red Amounts mean you are out of this item!\r\n"), kFont, 9,
+                        true, true, false, kRed);
     }
     printer.Show();
 }

@@ -61,8 +61,7 @@ void cFraction::setStringValue(const QString &text)
         m_numerator = Floor16(Val(s));
     }
     if (m_denominator == 0)
-        MsgBox(QStringLiteral("Error parsing string to create fraction!"), Msg::Ok,
-               QStringLiteral("Error"));
+        MsgBox(QStringLiteral("Error parsing string to create fraction!"), Msg::Ok, QStringLiteral("Error"));
 }
 
 void cFraction::MakeTopHeavy()
@@ -94,8 +93,7 @@ void cFraction::Add(cFraction &pFraction)
 {
     MakeTopHeavy();
     pFraction.MakeTopHeavy();
-    m_numerator = Add16(Mul16(m_denominator, pFraction.m_numerator),
-                        Mul16(pFraction.m_denominator, m_numerator));
+    m_numerator = Add16(Mul16(m_denominator, pFraction.m_numerator), Mul16(pFraction.m_denominator, m_numerator));
     m_denominator = Mul16(m_denominator, pFraction.m_denominator);
     Simplify();
 }
@@ -104,8 +102,7 @@ void cFraction::Subtract(cFraction &pFraction)
 {
     MakeTopHeavy();
     pFraction.MakeTopHeavy();
-    m_numerator = Sub16(Mul16(m_numerator, pFraction.m_denominator),
-                        Mul16(m_denominator, pFraction.m_numerator));
+    m_numerator = Sub16(Mul16(m_numerator, pFraction.m_denominator), Mul16(m_denominator, pFraction.m_numerator));
     m_denominator = Mul16(m_denominator, pFraction.m_denominator);
     Simplify();
 }

@@ -30,8 +30,7 @@ double WholeCount(const QString &text)
     return std::floor(Val(text));
 }
 
-frmResize::frmResize(QWidget *parent)
-    : QDialog(parent)
+frmResize::frmResize(QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmResize"));
     setWindowTitle(QStringLiteral("Resize Recipe"));

@@ -41,8 +41,7 @@ bool seekAmounts()
 
 } // namespace
 
-frmAdd2::frmAdd2(QWidget *parent)
-    : QWidget(parent, Qt::Window)
+frmAdd2::frmAdd2(QWidget *parent) : QWidget(parent, Qt::Window)
 {
     setObjectName(QStringLiteral("frmAdd2"));
     setWindowTitle(QStringLiteral("Recipe Entry"));
@@ -96,9 +95,9 @@ void frmAdd2::connectHandlers()
     connect(cmdClose, &QPushButton::clicked, this, &frmAdd2::cmdClose_Click);
 
     // Focus, leaving and Enter are watched for the controls of the entry.
-    const QList<QWidget *> watched = {txtTitle, cboCategory, txtServings, txtPrepTime, txtCookTime,
-                                      cboRating, txtNotes, cboAmount, cboMeasure, txtItem,
-                                      cboCabinet, txtStep, txtDirection, cmdClearIng, cmdClearDir};
+    const QList<QWidget *> watched = {txtTitle,   cboCategory, txtServings,  txtPrepTime, txtCookTime,
+                                      cboRating,  txtNotes,    cboAmount,    cboMeasure,  txtItem,
+                                      cboCabinet, txtStep,     txtDirection, cmdClearIng, cmdClearDir};
     for (QWidget *w : watched) {
         w->installEventFilter(this);
         if (auto *combo = qobject_cast<QComboBox *>(w); combo && combo->lineEdit())
@@ -229,8 +228,8 @@ void frmAdd2::PopulateForm()
         cboRating->setCurrentText(recipe.rating);
         QList<QTreeWidgetItem *> ingredients;
         for (const IngredientLine &line : recipe.ingredients)
-            ingredients.append(new QTreeWidgetItem(
-                {line.number, line.amount, line.measure, line.ingredient, line.cabinet}));
+            ingredients.append(
+                new QTreeWidgetItem({line.number, line.amount, line.measure, line.ingredient, line.cabinet}));
         lvwIngredients->addTopLevelItems(ingredients);
         QList<QTreeWidgetItem *> directions;
         for (const DirectionLine &line : recipe.directions)
@@ -418,8 +417,7 @@ bool frmAdd2::eventFilter(QObject *watched, QEvent *event)
     }
     case QEvent::KeyPress: {
         auto *key = static_cast<QKeyEvent *>(event);
-        if ((key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter) || control == txtNotes ||
-            !m_defaultButton)
+        if ((key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter) || control == txtNotes || !m_defaultButton)
             break;
         // Enter adds the entry being typed, as if the field had been left first.
         Guarded([&] {

@@ -51,8 +51,8 @@ bool frmAdd2::ValidateIngredient(bool showMessages)
 
 QTreeWidgetItem *frmAdd2::newIngredientItem(const QString &number) const
 {
-    return new QTreeWidgetItem({number, cboAmount->currentText(), cboMeasure->currentText(),
-                                txtItem->text(), cboCabinet->currentText()});
+    return new QTreeWidgetItem(
+        {number, cboAmount->currentText(), cboMeasure->currentText(), txtItem->text(), cboCabinet->currentText()});
 }
 
 void frmAdd2::cmdIngAdd_Click()
@@ -131,7 +131,7 @@ void frmAdd2::txtItem_LostFocus()
         return;
     gSQL = sql;
     QString chosen;
-    QStringList wanted{txtItem->text().toUpper()};
+    QStringList wanted {txtItem->text().toUpper()};
     for (const QString &form : forms)
         wanted.append(form.toUpper());
     for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {

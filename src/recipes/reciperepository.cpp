@@ -22,7 +22,7 @@ QString joined(std::initializer_list<QStringView> parts)
 // Every text the recipe stores, in the order the statements store them.
 QList<const QString *> storedTexts(const RecipeData &r)
 {
-    QList<const QString *> texts{&r.servings, &r.category, &r.title, &r.prepTime, &r.cookTime, &r.notes, &r.rating};
+    QList<const QString *> texts {&r.servings, &r.category, &r.title, &r.prepTime, &r.cookTime, &r.notes, &r.rating};
     texts.reserve(texts.size() + 4 * r.ingredients.size() + r.directions.size());
     for (const IngredientLine &line : r.ingredients)
         texts << &line.amount << &line.measure << &line.ingredient << &line.cabinet;
@@ -34,12 +34,12 @@ QList<const QString *> storedTexts(const RecipeData &r)
 // The stored text at position k of storedTexts, named as the user knows the field.
 QString storedTextName(const RecipeData &r, qsizetype k)
 {
-    static const QStringList fields{QStringLiteral("The servings"), QStringLiteral("The category"),
-                                    QStringLiteral("The title"), QStringLiteral("The preparation time"),
-                                    QStringLiteral("The cooking time"), QStringLiteral("The notes"),
-                                    QStringLiteral("The rating")};
-    static const QStringList lineFields{QStringLiteral("The amount"), QStringLiteral("The measure"),
-                                        QStringLiteral("The ingredient"), QStringLiteral("The cabinet name")};
+    static const QStringList fields {QStringLiteral("The servings"),     QStringLiteral("The category"),
+                                     QStringLiteral("The title"),        QStringLiteral("The preparation time"),
+                                     QStringLiteral("The cooking time"), QStringLiteral("The notes"),
+                                     QStringLiteral("The rating")};
+    static const QStringList lineFields {QStringLiteral("The amount"), QStringLiteral("The measure"),
+                                         QStringLiteral("The ingredient"), QStringLiteral("The cabinet name")};
     if (k < fields.size())
         return fields[k];
     k -= fields.size();
@@ -112,12 +112,12 @@ QStringList RecipeInsertStatements(const RecipeData &r, qint32 id)
                               QStringView(r.recipeType).left(1), between, r.category, between, r.title, between,
                               r.prepTime, between, r.cookTime, between, r.notes, between, r.rating, u"')"}));
     for (const IngredientLine &line : r.ingredients) {
-        statements.append(joined({u"INSERT INTO INGREDIENTS VALUES (", number, u", ", line.number, u", '",
-                                  line.amount, between, line.measure, between, line.ingredient, between,
-                                  line.cabinet, u"')"}));
+        statements.append(joined({u"INSERT INTO INGREDIENTS VALUES (", number, u", ", line.number, u", '", line.amount,
+                                  between, line.measure, between, line.ingredient, between, line.cabinet, u"')"}));
     }
     for (const DirectionLine &line : r.directions)
-        statements.append(joined({u"INSERT INTO DIRECTIONS VALUES (", number, u", ", line.step, u", '", line.direction, u"')"}));
+        statements.append(
+            joined({u"INSERT INTO DIRECTIONS VALUES (", number, u", ", line.step, u", '", line.direction, u"')"}));
     return statements;
 }
 
@@ -167,8 +167,8 @@ RecipeData LoadRecipe(qint32 id)
     if (Recordset &rs = found; recipe.exists) {
         const QString type = rs.text(QStringLiteral("type"));
         recipe.recipeType = type == u"D" ? QStringLiteral("Drink")
-                            : type == u"O" ? QStringLiteral("Other")
-                                           : QStringLiteral("Food");
+                          : type == u"O" ? QStringLiteral("Other")
+                                         : QStringLiteral("Food");
         recipe.title = rs.text(QStringLiteral("title"));
         recipe.category = rs.text(QStringLiteral("category"));
         recipe.servings = rs.text(QStringLiteral("servings"));
@@ -177,8 +177,8 @@ RecipeData LoadRecipe(qint32 id)
         recipe.notes = rs.text(QStringLiteral("notes"));
         recipe.rating = rs.text(QStringLiteral("rating"));
     }
-    gSQL = QStringLiteral("SELECT * FROM INGREDIENTS WHERE recipe_id = ") + number +
-           QStringLiteral(" ORDER BY ingred_id");
+    gSQL =
+        QStringLiteral("SELECT * FROM INGREDIENTS WHERE recipe_id = ") + number + QStringLiteral(" ORDER BY ingred_id");
     if (Recordset rs = ExecuteSQL(gSQL); rs) {
         const int number = rs.columnIndex(QStringLiteral("ingred_id"));
         const int amount = rs.columnIndex(QStringLiteral("amount"));
@@ -190,8 +190,7 @@ RecipeData LoadRecipe(qint32 id)
                                        rs.text(measure), rs.text(ingredient), rs.text(cabinet)});
         }
     }
-    gSQL = QStringLiteral("SELECT * FROM DIRECTIONS WHERE recipe_id = ") + number +
-           QStringLiteral(" ORDER BY step");
+    gSQL = QStringLiteral("SELECT * FROM DIRECTIONS WHERE recipe_id = ") + number + QStringLiteral(" ORDER BY step");
     if (Recordset rs = ExecuteSQL(gSQL); rs) {
         const int step = rs.columnIndex(QStringLiteral("step"));
         const int direction = rs.columnIndex(QStringLiteral("direction"));

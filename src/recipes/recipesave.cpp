@@ -18,8 +18,7 @@ namespace {
 
 const QString kNotConnected =
     QStringLiteral("If you were able to connect to the Database, you would be able to save.  ");
-const QString kOverwriteQuestion =
-    QStringLiteral("This will overwrite the current recipe.  Do you wish to continue?");
+const QString kOverwriteQuestion = QStringLiteral("This will overwrite the current recipe.  Do you wish to continue?");
 const QString kCopyQuestion =
     QStringLiteral("This will save the current recipe as a copy in the Pantrio.  Do you wish to continue?");
 const QString kSaveFailed = QStringLiteral("There were errors adding the recipe!");

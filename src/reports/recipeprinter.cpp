@@ -55,8 +55,8 @@ void SetPrintPreviewSink(std::function<void(const RecipePrinter &)> sink)
     previewSink() = std::move(sink);
 }
 
-void RecipePrinter::AddText(const QString &text, const QString &font, double size, bool bold,
-                            bool italic, bool further, quint32 rgb)
+void RecipePrinter::AddText(const QString &text, const QString &font, double size, bool bold, bool italic, bool further,
+                            quint32 rgb)
 {
     Q_UNUSED(further); // accepted for the callers' sake; it changes nothing
     if (m_current.runs.isEmpty()) {
@@ -66,8 +66,8 @@ void RecipePrinter::AddText(const QString &text, const QString &font, double siz
     m_current.runs.append({text, font, size, bold, italic, rgb});
 }
 
-void RecipePrinter::AddLine(const QString &text, const QString &font, double size, bool bold,
-                            bool italic, bool further, quint32 rgb)
+void RecipePrinter::AddLine(const QString &text, const QString &font, double size, bool bold, bool italic, bool further,
+                            quint32 rgb)
 {
     AddText(text, font, size, bold, italic, further, rgb);
     m_lines.append(m_current);

@@ -35,10 +35,10 @@ class RecipePrinter
 public:
     void SetFileName(const QString &fileName) { m_fileName = fileName; }
     QString fileName() const { return m_fileName; }
-    void AddText(const QString &text, const QString &font, double size, bool bold, bool italic,
-                 bool further = false, quint32 rgb = 0);
-    void AddLine(const QString &text, const QString &font, double size, bool bold, bool italic,
-                 bool further = false, quint32 rgb = 0);
+    void AddText(const QString &text, const QString &font, double size, bool bold, bool italic, bool further = false,
+                 quint32 rgb = 0);
+    void AddLine(const QString &text, const QString &font, double size, bool bold, bool italic, bool further = false,
+                 quint32 rgb = 0);
     void StartPage();
     // Shows the preview window with its print and save commands (or hands the document to
     // the installed sink).

@@ -13,8 +13,7 @@ struct ReportSettings {
 };
 
 // Composes one recipe. A number above 0 is printed before the title (numbered reports).
-void ComposeRecipe(RecipePrinter &printer, const RecipeData &recipe, const ReportSettings &settings,
-                   int number = 0);
+void ComposeRecipe(RecipePrinter &printer, const RecipeData &recipe, const ReportSettings &settings, int number = 0);
 // The report of the stored recipes, in the given order, handed to the preview.
 void PrintRecipes(const QList<qint32> &ids);
 // The size of the blank between directions: half the base size less a half, rounded to even.

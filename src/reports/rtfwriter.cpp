@@ -38,7 +38,7 @@ int halfPoints(double size)
 QByteArray WriteRtf(const QList<PrintLine> &lines)
 {
     QStringList fonts;
-    QList<quint32> colours{0};
+    QList<quint32> colours {0};
     for (const PrintLine &line : lines) {
         for (const PrintRun &run : line.runs) {
             if (!fonts.contains(run.font))
@@ -55,8 +55,8 @@ QByteArray WriteRtf(const QList<PrintLine> &lines)
         rtf += "{\\f" + QByteArray::number(i) + "\\fmodern " + escape(fonts[i]) + ";}";
     rtf += "}\n{\\colortbl;";
     for (quint32 rgb : colours) {
-        rtf += "\\red" + QByteArray::number(rgb & 0xff) + "\\green" + QByteArray::number((rgb >> 8) & 0xff) +
-               "\\blue" + QByteArray::number((rgb >> 16) & 0xff) + ';';
+        rtf += "\\red" + QByteArray::number(rgb & 0xff) + "\\green" + QByteArray::number((rgb >> 8) & 0xff) + "\\blue" +
+               QByteArray::number((rgb >> 16) & 0xff) + ';';
     }
     // Page: A4 with 2 cm margins (1134 twips).
     rtf += "}\n\\paperw11906\\paperh16838\\margl1134\\margr1134\\margt1134\\margb1134\n";
@@ -68,8 +68,7 @@ QByteArray WriteRtf(const QList<PrintLine> &lines)
             rtf += "\\fs20";
         for (const PrintRun &run : line.runs) {
             rtf += "{\\f" + QByteArray::number(fonts.indexOf(run.font)) + "\\fs" +
-                   QByteArray::number(halfPoints(run.size)) + "\\cf" +
-                   QByteArray::number(colours.indexOf(run.rgb) + 1);
+                   QByteArray::number(halfPoints(run.size)) + "\\cf" + QByteArray::number(colours.indexOf(run.rgb) + 1);
             if (run.bold)
                 rtf += "\\b";
             if (run.italic)

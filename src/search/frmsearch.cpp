@@ -35,8 +35,8 @@ namespace {
 
 const QString kTitleOrder = QStringLiteral("Recipe Title: Alphabetical order (click to change)");
 const QString kEntryOrder = QStringLiteral("Recipe Title: Ordered recipes were entered (click to change)");
-const QString kOnlyNew = QStringLiteral(
-    "You have the setting checked off to limit the results to only recipes entered after installation.");
+const QString kOnlyNew =
+    QStringLiteral("You have the setting checked off to limit the results to only recipes entered after installation.");
 const QString kCloseCaption = QStringLiteral("&Close");
 const QString kSelectCaption = QStringLiteral("&Select");
 
@@ -59,8 +59,7 @@ bool seekCategories()
 
 } // namespace
 
-frmSearch::frmSearch(QWidget *parent)
-    : QDialog(parent)
+frmSearch::frmSearch(QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmSearch"));
     buildLayout();
@@ -289,11 +288,12 @@ void frmSearch::cmdSearch_Click()
             // An empty cabinet would list nothing without a word.
             if (CabinetIsEmpty(gRecipeType)) {
                 lblResults->setText(QStringLiteral("Results"));
-                MsgBox(QStringLiteral("The ") + gRecipeType +
-                           QStringLiteral(" cabinet is empty, so no recipe can be made from it yet.\n\nOpen the Cabinet "
-                                          "and tick what you have at home (Tools > Cabinet Tools > Refresh fills it "
-                                          "with the ingredients of your recipes), then search again."),
-                       Msg::Information, QStringLiteral("Information"));
+                MsgBox(
+                    QStringLiteral("The ") + gRecipeType +
+                        QStringLiteral(" cabinet is empty, so no recipe can be made from it yet.\n\nOpen the Cabinet "
+                                       "and tick what you have at home (Tools > Cabinet Tools > Refresh fills it "
+                                       "with the ingredients of your recipes), then search again."),
+                    Msg::Information, QStringLiteral("Information"));
                 return;
             }
             available = BuildAvailableRecipeList(gRecipeType);

@@ -9,7 +9,7 @@ struct SearchCriteria {
     QString ingredient;
     QString prepTime; // the longest preparation time, hh:mm
     QString cookTime;
-    QString rating;   // a rating prefix
+    QString rating; // a rating prefix
 };
 
 struct SearchContext {

@@ -19,19 +19,18 @@
 namespace {
 
 const char *const kSections[] = {"Category_Food", "Category_Drink", "Category_Other", "Measure_Food", "Measure_Drink",
-                                 "Measure_Other",  "Amount_Food",    "Amount_Drink",   "Amount_Other", "Rating"};
+                                 "Measure_Other", "Amount_Food",    "Amount_Drink",   "Amount_Other", "Rating"};
 const QString kDefaultOrder = QStringLiteral("00");
 const QString kInvalidData = QStringLiteral("You must have an order entered and a section selected.");
-const QString kCannotChange =
-    QStringLiteral("Users are not permitted to change this list item.  \nThis is the default value of the selected list!");
-const QString kCannotRemove =
-    QStringLiteral("Users are not permitted to remove this list item.  \nThis is the default value of the selected list!");
+const QString kCannotChange = QStringLiteral(
+    "Users are not permitted to change this list item.  \nThis is the default value of the selected list!");
+const QString kCannotRemove = QStringLiteral(
+    "Users are not permitted to remove this list item.  \nThis is the default value of the selected list!");
 const QString kNoOrder = QStringLiteral("You must enter the ID/Order for the item to delete!");
 
 } // namespace
 
-frmMaint::frmMaint(QWidget *parent)
-    : QDialog(parent)
+frmMaint::frmMaint(QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmMaint"));
     setWindowTitle(QStringLiteral("Maintenance"));

@@ -32,10 +32,10 @@ namespace {
 const QString kPrint = QStringLiteral("Print_Settings");
 const QString kFiles = QStringLiteral("Files");
 const QString kMisc = QStringLiteral("Misc");
-const QString kLimitNotice = QStringLiteral(
-    "You have checked the limit recipe search checkbox.\n\nThis will limit the recipe search to "
-    "return ONLY recipes entered after Vesk was installed.\n\nIf you leave this setting checked "
-    "and have not entered any recipes, the search window will return no recipes!");
+const QString kLimitNotice =
+    QStringLiteral("You have checked the limit recipe search checkbox.\n\nThis will limit the recipe search to "
+                   "return ONLY recipes entered after Vesk was installed.\n\nIf you leave this setting checked "
+                   "and have not entered any recipes, the search window will return no recipes!");
 const int kFontSizes[] = {6, 7, 8, 9, 10, 11, 12, 14, 16, 18, 20};
 
 // A switch in the settings file: "True" is on; an empty or unreadable value is off.
@@ -77,8 +77,7 @@ QFrame *newFrame(const char *name, QWidget *parent)
 
 } // namespace
 
-frmSettings::frmSettings(QWidget *parent)
-    : QDialog(parent)
+frmSettings::frmSettings(QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmSettings"));
     setWindowTitle(QStringLiteral("Settings"));
@@ -88,8 +87,8 @@ frmSettings::frmSettings(QWidget *parent)
     connect(cmdCancel, &QPushButton::clicked, this, &frmSettings::cmdCancel_Click);
     connect(tsSettings, &QTabBar::currentChanged, this, &frmSettings::tsSettings_Click);
     connect(cmdBrowseDatabase, &QPushButton::clicked, this, [this] {
-        browse(txtDatabase, QStringLiteral("Recipe Database"), QStringLiteral("Recipe database (*.MDB *.mdb);;All files (*)"),
-               FileUse::Open);
+        browse(txtDatabase, QStringLiteral("Recipe Database"),
+               QStringLiteral("Recipe database (*.MDB *.mdb);;All files (*)"), FileUse::Open);
     });
     connect(cmdBrowseTransfer, &QPushButton::clicked, this, [this] {
         browse(txtTransfer, QStringLiteral("Transfer File"), QStringLiteral("Transfer files (*.txt);;All files (*)"),
@@ -97,7 +96,8 @@ frmSettings::frmSettings(QWidget *parent)
     });
     connect(cmdBrowseFilename, &QPushButton::clicked, this, [this] {
         browse(txtFilename, QStringLiteral("Preview File"),
-               QStringLiteral("Rich text (*.rtf);;PDF document (*.pdf);;Plain text (*.txt);;All files (*)"), FileUse::Save);
+               QStringLiteral("Rich text (*.rtf);;PDF document (*.pdf);;Plain text (*.txt);;All files (*)"),
+               FileUse::Save);
     });
     Form_Load();
 }
@@ -122,8 +122,8 @@ void frmSettings::buildLayout()
     chkNewPage->setObjectName(QStringLiteral("chkNewPage"));
     chkSpaceBetween = new QCheckBox(QStringLiteral("Print a blank line between each recipe direction"), fraPrint);
     chkSpaceBetween->setObjectName(QStringLiteral("chkSpaceBetween"));
-    chkPageNumbers = new QCheckBox(
-        QStringLiteral("Print the Table of Contents and number the recipes to match"), fraPrint);
+    chkPageNumbers =
+        new QCheckBox(QStringLiteral("Print the Table of Contents and number the recipes to match"), fraPrint);
     chkPageNumbers->setObjectName(QStringLiteral("chkPageNumbers"));
     {
         auto *layout = new QVBoxLayout(fraPrint);
@@ -159,11 +159,10 @@ void frmSettings::buildLayout()
     };
     {
         auto *layout = new QVBoxLayout(fraFile);
-        txtDatabase = fileBox("txtDatabase",
-                              QStringLiteral("Path the the database (used for creating/restoring from backups)"),
-                              cmdBrowseDatabase, layout);
-        txtTransfer = fileBox("txtTransfer",
-                              QStringLiteral("Filename used for recipe transfers (importing/exporting)"),
+        txtDatabase =
+            fileBox("txtDatabase", QStringLiteral("Path the the database (used for creating/restoring from backups)"),
+                    cmdBrowseDatabase, layout);
+        txtTransfer = fileBox("txtTransfer", QStringLiteral("Filename used for recipe transfers (importing/exporting)"),
                               cmdBrowseTransfer, layout);
         txtFilename = fileBox("txtFilename",
                               QStringLiteral("Filename used to save the previewed text (*.rtf will save in Rich Text)"),
@@ -178,10 +177,11 @@ void frmSettings::buildLayout()
     }
 
     fraAction = newFrame("fraAction", this);
-    chkSeek = new QCheckBox(QStringLiteral("Complete the typed text from the list in the drop-down selections"), fraAction);
+    chkSeek =
+        new QCheckBox(QStringLiteral("Complete the typed text from the list in the drop-down selections"), fraAction);
     chkSeek->setObjectName(QStringLiteral("chkSeek"));
-    chkSeekAmount = new QCheckBox(
-        QStringLiteral("Complete the typed text in the amount drop-down of the recipe entry"), fraAction);
+    chkSeekAmount =
+        new QCheckBox(QStringLiteral("Complete the typed text in the amount drop-down of the recipe entry"), fraAction);
     chkSeekAmount->setObjectName(QStringLiteral("chkSeekAmount"));
     auto optionPair = [this](const char *name, const QString &first, const QString &second,
                              std::array<QRadioButton *, 2> &options) {
@@ -198,8 +198,8 @@ void frmSettings::buildLayout()
                QStringLiteral("Edit/Copy the selected recipe"), optSearch);
     optionPair("optAdd", QStringLiteral("Standard Form - all data viewed at once on one screen"),
                QStringLiteral("Tabbed Form - data viewed in sections seperated by tabs"), optAdd);
-    chkLimit = new QCheckBox(
-        QStringLiteral("Limit search to ONLY return recipes entered after Vesk installation"), fraAction);
+    chkLimit =
+        new QCheckBox(QStringLiteral("Limit search to ONLY return recipes entered after Vesk installation"), fraAction);
     chkLimit->setObjectName(QStringLiteral("chkLimit"));
     {
         auto *layout = new QVBoxLayout(fraAction);

@@ -19,7 +19,7 @@ const QString kIdSection = QStringLiteral("ID");
 const QString kImportedSection = QStringLiteral("Imported");
 
 // The eight field lines of a section, in the order a reader takes them by position.
-constexpr std::array<std::pair<const char *, const char *>, 8> kFields{{
+constexpr std::array<std::pair<const char *, const char *>, 8> kFields {{
     {"Servings", "servings"},
     {"Type", "type"},
     {"Category", "category"},
@@ -47,8 +47,7 @@ int recipesToImport(const IniFile &file)
         const qint16 max = CInt(file.value(kIdSection, QStringLiteral("Max")));
         if (max >= 0)
             return max;
-    } catch (const PlatformError &) {
-    }
+    } catch (const PlatformError &) { }
     int count = 0;
     while (count < 32767 && file.hasSection(QString::number(count + 1)))
         ++count;
@@ -121,7 +120,7 @@ void cTransfer::Export(const QStringList &chosen)
     const qint64 base = lastSection(file);
     qint64 written = 0;
     {
-        StatusGuard status{QString()};
+        StatusGuard status {QString()};
         SetStatusMaximum(int(chosen.size()));
         for (qsizetype i = 1; i <= chosen.size(); ++i) {
             ShowStatusStep(QStringLiteral("Exporting recipe ID: ") + QString::number(i) + QStringLiteral(" to ") +
@@ -166,7 +165,7 @@ void cTransfer::Import()
     m_leftOut.clear();
     QString notStored;
     {
-        StatusGuard status{QString()};
+        StatusGuard status {QString()};
         SetStatusMaximum(recipesToImport(file));
         // One commit for the whole file: a commit per recipe would wait for the disk a thousand
         // times. A failed line fails alone; the recipes before a fault stay.

@@ -15,25 +15,47 @@ struct CodeNames {
     std::initializer_list<const char *> names;
 };
 const CodeNames kCodes[] = {
-    {"t", {"tsp", "teaspoon"}},    {"ts", {"tsp", "teaspoon"}},     {"T", {"Tbsp", "tablespoon"}},
-    {"tb", {"Tbsp", "tablespoon"}}, {"c", {"cup", "cups"}},           {"pt", {"pint"}},
-    {"qt", {"quart"}},             {"ga", {"gallon"}},               {"fl", {"fl oz", "fluid ounce"}},
-    {"oz", {"oz", "ounce"}},       {"lb", {"lb", "pound"}},          {"mg", {"mg"}},
-    {"cg", {"cg"}},                {"dg", {"dg"}},                   {"g", {"g", "gram"}},
-    {"kg", {"kg", "kilogram"}},    {"ml", {"ml"}},                   {"cl", {"cl"}},
-    {"dl", {"dl"}},                {"l", {"l", "liter", "litre"}},   {"cb", {"cc"}},
-    {"pn", {"pinch"}},             {"dr", {"drop"}},                 {"ds", {"dash"}},
-    {"cn", {"can"}},               {"pk", {"package", "pkg"}},       {"ct", {"carton"}},
-    {"bn", {"bunch"}},             {"sl", {"slice"}},                {"ea", {"each", "piece"}},
-    {"sm", {"small"}},             {"md", {"medium"}},               {"lg", {"large"}},
+    {"t", {"tsp", "teaspoon"}},
+    {"ts", {"tsp", "teaspoon"}},
+    {"T", {"Tbsp", "tablespoon"}},
+    {"tb", {"Tbsp", "tablespoon"}},
+    {"c", {"cup", "cups"}},
+    {"pt", {"pint"}},
+    {"qt", {"quart"}},
+    {"ga", {"gallon"}},
+    {"fl", {"fl oz", "fluid ounce"}},
+    {"oz", {"oz", "ounce"}},
+    {"lb", {"lb", "pound"}},
+    {"mg", {"mg"}},
+    {"cg", {"cg"}},
+    {"dg", {"dg"}},
+    {"g", {"g", "gram"}},
+    {"kg", {"kg", "kilogram"}},
+    {"ml", {"ml"}},
+    {"cl", {"cl"}},
+    {"dl", {"dl"}},
+    {"l", {"l", "liter", "litre"}},
+    {"cb", {"cc"}},
+    {"pn", {"pinch"}},
+    {"dr", {"drop"}},
+    {"ds", {"dash"}},
+    {"cn", {"can"}},
+    {"pk", {"package", "pkg"}},
+    {"ct", {"carton"}},
+    {"bn", {"bunch"}},
+    {"sl", {"slice"}},
+    {"ea", {"each", "piece"}},
+    {"sm", {"small"}},
+    {"md", {"medium"}},
+    {"lg", {"large"}},
     {"x", {"per serving"}},
 };
 
 const QString kUnsetMeasure = QStringLiteral("---");
 constexpr qsizetype kIngredientRoom = 28; // text columns 12 to 39
-constexpr qsizetype kDirectionRoom = 76;  // after a two-blank indent
+constexpr qsizetype kDirectionRoom = 76; // after a two-blank indent
 const QString kNotes = QStringLiteral("Notes: ");
-const QStringList kTimeKeys{QStringLiteral("Prep Time"), QStringLiteral("Cook Time"), QStringLiteral("Rating")};
+const QStringList kTimeKeys {QStringLiteral("Prep Time"), QStringLiteral("Cook Time"), QStringLiteral("Rating")};
 
 // The DOS code page 437, bytes 0x80 to 0xFF.
 const char16_t kCp437[128] = {
@@ -173,8 +195,7 @@ struct EncodingScan {
 
 } // namespace
 
-MeasureCodes::MeasureCodes(const QStringList &householdMeasures)
-    : m_household(householdMeasures)
+MeasureCodes::MeasureCodes(const QStringList &householdMeasures) : m_household(householdMeasures)
 {
     m_household.removeAll(kUnsetMeasure);
     m_household.removeAll(QString());
@@ -278,11 +299,8 @@ QString MealMasterCabinetName(const QString &ingredient)
 }
 
 MealMasterReader::MealMasterReader(QIODevice &file, const MeasureCodes &codes)
-    : m_file(file)
-    , m_codes(codes)
-    , m_encoding(DetectMealMasterEncoding(file))
-{
-}
+    : m_file(file), m_codes(codes), m_encoding(DetectMealMasterEncoding(file))
+{ }
 
 qint64 MealMasterReader::position() const
 {
@@ -422,9 +440,8 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
             continue;
         }
         const MealMasterIngredient left = ParseMealMasterIngredient(text.size() > 40 ? text.left(39) : text);
-        const MealMasterIngredient right = text.size() > 40 && text.at(39) == u' '
-                                               ? ParseMealMasterIngredient(text.mid(40))
-                                               : MealMasterIngredient();
+        const MealMasterIngredient right =
+            text.size() > 40 && text.at(39) == u' ' ? ParseMealMasterIngredient(text.mid(40)) : MealMasterIngredient();
         const bool twoColumns = right.ok && (left.ok || text.left(39).trimmed().isEmpty());
         const MealMasterIngredient whole = twoColumns ? left : ParseMealMasterIngredient(text);
         if (!whole.ok && !twoColumns)
@@ -484,9 +501,12 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
 
 QStringList FormatMealMaster(const RecipeData &r, const MeasureCodes &codes)
 {
-    QStringList out{QStringLiteral("MMMMM----- Recipe via Meal-Master (tm) v8.05"), QString(),
-                    QStringLiteral("      Title: ") + r.title, QStringLiteral(" Categories: ") + r.category,
-                    QStringLiteral("      Yield: ") + r.servings, QString()};
+    QStringList out {QStringLiteral("MMMMM----- Recipe via Meal-Master (tm) v8.05"),
+                     QString(),
+                     QStringLiteral("      Title: ") + r.title,
+                     QStringLiteral(" Categories: ") + r.category,
+                     QStringLiteral("      Yield: ") + r.servings,
+                     QString()};
     for (const IngredientLine &line : r.ingredients) {
         // What the columns cannot hold goes in front of the text, as a person would write it.
         QString amount = line.amount == kUnsetMeasure ? QString() : line.amount;

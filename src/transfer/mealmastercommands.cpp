@@ -204,8 +204,8 @@ void ExportMealMaster()
     const QStringList chosen = ChooseRecipes();
     if (chosen.isEmpty())
         return;
-    const QString file = AskFileName(kExportTitle, QDir(ProgramDir()).filePath(QStringLiteral("recipes.mmf")),
-                                     kFilter, FileUse::Export);
+    const QString file =
+        AskFileName(kExportTitle, QDir(ProgramDir()).filePath(QStringLiteral("recipes.mmf")), kFilter, FileUse::Export);
     if (file.isEmpty())
         return;
     WaitCursor busy;

@@ -2,8 +2,7 @@
 
 MealMasterFeed::MealMasterFeed(QIODevice &file, const MeasureCodes &codes)
     : m_reader([this, &file, &codes] { read(file, codes); })
-{
-}
+{ }
 
 MealMasterFeed::~MealMasterFeed()
 {

@@ -37,7 +37,7 @@ private:
     std::condition_variable m_changed;
     std::deque<Read> m_ready;
     bool m_finished = false; // the reading has come to the end, or failed
-    bool m_stop = false;     // the import wants no more
+    bool m_stop = false; // the import wants no more
     std::exception_ptr m_failure;
     std::thread m_reader;
 };

@@ -20,9 +20,9 @@ public:
         std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
     }
     bool waiting(const QString &, int, int) override { return true; }
-    void waitEnded() override {}
-    void working(const QString &) override {}
-    void workEnded() override {}
+    void waitEnded() override { }
+    void working(const QString &) override { }
+    void workEnded() override { }
 };
 
 RecipeData recipe(const QString &title, int n)

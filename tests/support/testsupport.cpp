@@ -54,8 +54,7 @@ MsgResult ScriptedResponder::messageBox(const QString &prompt, MsgStyle style, c
     return m_answers.dequeue();
 }
 
-QString ScriptedResponder::inputBox(const QString &prompt, const QString &title,
-                                    const QString &defaultText)
+QString ScriptedResponder::inputBox(const QString &prompt, const QString &title, const QString &defaultText)
 {
     Q_UNUSED(title);
     inputPrompts.append(prompt);
@@ -134,8 +133,7 @@ void ScriptedResponder::clear()
     m_waited = 0;
 }
 
-TestHome::TestHome(bool withShippedIni)
-    : m_previousDir(QDir::currentPath())
+TestHome::TestHome(bool withShippedIni) : m_previousDir(QDir::currentPath())
 {
     // Settings writes compose "copytest.ini" in the current directory: one per test run.
     QDir::setCurrent(m_dir.path());
@@ -326,7 +324,7 @@ qint32 StoreTestRecipe(const RecipeData &recipe, qint32 id)
 
 QString Describe(const RecipeData &r)
 {
-    QStringList parts{r.recipeType, r.servings, r.category, r.title, r.prepTime, r.cookTime, r.notes, r.rating};
+    QStringList parts {r.recipeType, r.servings, r.category, r.title, r.prepTime, r.cookTime, r.notes, r.rating};
     for (const IngredientLine &line : r.ingredients)
         parts << line.number + u':' + line.amount + u'|' + line.measure + u'|' + line.ingredient + u'|' + line.cabinet;
     for (const DirectionLine &line : r.directions)

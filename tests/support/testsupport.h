@@ -114,10 +114,7 @@ class SessionTest : public QObject
 {
     Q_OBJECT
 protected:
-    explicit SessionTest(bool withDatabase = true)
-        : m_withDatabase(withDatabase)
-    {
-    }
+    explicit SessionTest(bool withDatabase = true) : m_withDatabase(withDatabase) { }
     std::unique_ptr<TestHome> m_home;
     std::unique_ptr<ScriptedResponder> m_boxes;
 

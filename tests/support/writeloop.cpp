@@ -23,7 +23,8 @@ int main(int argc, char *argv[])
         if (ini) {
             // Replacing a key, inserting and deleting a list entry: every kind of rewrite the
             // program makes.
-            WriteIniValue(path, QStringLiteral("Misc"), round % 2 ? QStringLiteral("Seek=True") : QStringLiteral("Seek=False"));
+            WriteIniValue(path, QStringLiteral("Misc"),
+                          round % 2 ? QStringLiteral("Seek=True") : QStringLiteral("Seek=False"));
             WriteIniValue(path, QStringLiteral("Rating"), QStringLiteral("06=******"), true);
             DeleteIniKey(path, QStringLiteral("Rating"), QStringLiteral("06"));
         } else if (transfer) {

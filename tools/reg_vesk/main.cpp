@@ -65,8 +65,9 @@ int registerServer(const QStringList &arguments)
     QString wrong;
     const DataSource source = serverSource(arguments, &wrong);
     if (source.name.isEmpty()) {
-        std::fprintf(stderr, "reg_vesk: %s is not understood; give host=, port=, dbname= and, if needed, "
-                             "user=, password=, sslmode=\n",
+        std::fprintf(stderr,
+                     "reg_vesk: %s is not understood; give host=, port=, dbname= and, if needed, "
+                     "user=, password=, sslmode=\n",
                      qPrintable(wrong));
         return 2;
     }
@@ -131,8 +132,7 @@ int main(int argc, char *argv[])
     }
 
     const DataSource registered = FindDataSource(kDataSourceName);
-    if (!registered.name.isEmpty() &&
-        (registered.driver != u"QSQLITE" || !SameFile(registered.database, database))) {
+    if (!registered.name.isEmpty() && (registered.driver != u"QSQLITE" || !SameFile(registered.database, database))) {
         std::fprintf(stderr, "reg_vesk: PANTRIO is registered for %s; left as it is.\n",
                      qPrintable(registered.database));
         return 0;
@@ -148,8 +148,7 @@ int main(int argc, char *argv[])
     if (!file.exists() || file.size() == 0) {
         QString error;
         if (!CreateDatabaseFromSchema(database, &error)) {
-            std::fprintf(stderr, "reg_vesk: cannot create %s: %s\n", qPrintable(database),
-                         qPrintable(error));
+            std::fprintf(stderr, "reg_vesk: cannot create %s: %s\n", qPrintable(database), qPrintable(error));
             return 1;
         }
     }

@@ -100,9 +100,8 @@ bool OpenDatabase(OpenFailure *failure)
         if (!sameDriver)
             QSqlDatabase::removeDatabase(kDataSourceName);
     }
-    QSqlDatabase db = QSqlDatabase::contains(kDataSourceName)
-                          ? gConn()
-                          : QSqlDatabase::addDatabase(source.driver, kDataSourceName);
+    QSqlDatabase db =
+        QSqlDatabase::contains(kDataSourceName) ? gConn() : QSqlDatabase::addDatabase(source.driver, kDataSourceName);
     ConfigureConnection(db, source);
     if (!db.open())
         return failOpen(failure, OpenFailure::Unusable, describe(source), db.lastError().text().trimmed(),
@@ -133,7 +132,6 @@ void ConfigureConnection(QSqlDatabase &db, const DataSource &source)
     }
 }
 
-
 void CloseDatabase()
 {
     gRS = Recordset();
@@ -148,9 +146,9 @@ bool IsDelimiterApostrophe(const QString &sql, qsizetype i)
     const QChar before = i > 0 ? sql[i - 1] : QChar();
     const QChar after = i + 1 < sql.size() ? sql[i + 1] : QChar();
     // The two characters before, blanks around them left out, are a comma: ", '" or " ,'".
-    const bool commaBefore = i == 1 ? before == u','
-                                    : i > 1 && ((sql[i - 2] == u',' && before == u' ') ||
-                                                (sql[i - 2] == u' ' && before == u','));
+    const bool commaBefore =
+        i == 1 ? before == u','
+               : i > 1 && ((sql[i - 2] == u',' && before == u' ') || (sql[i - 2] == u' ' && before == u','));
     return before == u'(' || after == u',' || commaBefore || after == u')';
 }
 
@@ -208,8 +206,8 @@ Recordset ExecuteSQL(QString &sql)
         // stay readable whatever was typed.
         constexpr qsizetype kShown = 600;
         const QString detail = error.cause != StatementError::Other ? PlainFailure(error)
-                               : prepared.size() > kShown       ? prepared.left(kShown) + QStringLiteral("...")
-                                                                : prepared;
+                             : prepared.size() > kShown             ? prepared.left(kShown) + QStringLiteral("...")
+                                                                    : prepared;
         TheDatabaseVoice().report(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") +
                                       detail,
                                   QStringLiteral("Database Error"));
@@ -223,7 +221,6 @@ Recordset ExecuteSQL(const QString &sql)
     return ExecuteSQL(copy);
 }
 
-
 qint32 NextId(const QString &table)
 {
     const Recordset rs = ExecuteSQL(QStringLiteral("SELECT MAX(id) FROM ") + table);
@@ -232,13 +229,11 @@ qint32 NextId(const QString &table)
     return rs.value(0).toInt() + 1;
 }
 
-
-
 namespace {
 
 const QString kNotStored = QStringLiteral("Nothing of this change was stored.");
-const QString kWaitingForLock = QStringLiteral(
-    "Another program is using the recipe database. Waiting for it to finish...");
+const QString kWaitingForLock =
+    QStringLiteral("Another program is using the recipe database. Waiting for it to finish...");
 
 // Runs one of the batch's own statements; while another program holds the file, tries again
 // for up to kLockWaitMs, the progress window telling the user what the program waits for.

@@ -21,10 +21,10 @@ bool onSqlite()
 std::pair<qint64, qint64> leafPages()
 {
     QSqlQuery query(gConn());
-    if (!query.exec(QStringLiteral(
-            "SELECT count(*), count(*) FILTER (WHERE prev IS NOT NULL AND pageno != prev + 1) FROM "
-            "(SELECT pageno, lag(pageno) OVER (PARTITION BY name ORDER BY path) AS prev FROM dbstat "
-            "WHERE pagetype = 'leaf')")) ||
+    if (!query.exec(
+            QStringLiteral("SELECT count(*), count(*) FILTER (WHERE prev IS NOT NULL AND pageno != prev + 1) FROM "
+                           "(SELECT pageno, lag(pageno) OVER (PARTITION BY name ORDER BY path) AS prev FROM dbstat "
+                           "WHERE pagetype = 'leaf')")) ||
         !query.next())
         return {0, 0};
     return {query.value(0).toLongLong(), query.value(1).toLongLong()};

@@ -16,9 +16,9 @@ public:
         qCWarning(lcDatabase).noquote() << title << ':' << text;
     }
     bool waiting(const QString &, int, int) override { return true; }
-    void waitEnded() override {}
-    void working(const QString &) override {}
-    void workEnded() override {}
+    void waitEnded() override { }
+    void working(const QString &) override { }
+    void workEnded() override { }
 };
 
 DatabaseVoice *g_voice = nullptr;

@@ -8,8 +8,7 @@
 
 void RecordMaxRecipeID()
 {
-    gMaxRecipeID = ToInt16(Val(GetIniValue(IniPath(), QStringLiteral("Misc"),
-                                           QStringLiteral("MaxRecipeID"))));
+    gMaxRecipeID = ToInt16(Val(GetIniValue(IniPath(), QStringLiteral("Misc"), QStringLiteral("MaxRecipeID"))));
     if (gMaxRecipeID != 0 || gNotConnected)
         return;
     gSQL = QStringLiteral("SELECT MAX(id) FROM RECIPE");
@@ -18,7 +17,6 @@ void RecordMaxRecipeID()
     if (!rs || rs.eof() || rs.value(0).isNull())
         return;
     const qint16 highest = ToInt16(rs.value(0).toDouble());
-    WriteIniValue(IniPath(), QStringLiteral("Misc"),
-                  QStringLiteral("MaxRecipeID=") + QString::number(highest));
+    WriteIniValue(IniPath(), QStringLiteral("Misc"), QStringLiteral("MaxRecipeID=") + QString::number(highest));
     gMaxRecipeID = highest;
 }

@@ -1,7 +1,6 @@
 #include "recordset.h"
 
-Recordset::Recordset(std::shared_ptr<RecordSource> source)
-    : m_source(std::move(source))
+Recordset::Recordset(std::shared_ptr<RecordSource> source) : m_source(std::move(source))
 {
     m_onRow = m_source->next();
 }

@@ -32,7 +32,6 @@ const TableColumns kRecipeTables[] = {
     {"MENU", {"ID", "parent", "key", "text"}},
 };
 
-
 QString resourceText(const QString &name)
 {
     QFile file(QStringLiteral(":/mirepan/") + name);
@@ -101,8 +100,8 @@ bool CreateServerSchema(QSqlDatabase &db, QString *error)
         !count.next())
         return fail(error, count.lastError().text());
     if (count.value(0).toInt() > 0)
-        return fail(error, QStringLiteral("the database %1 already holds tables; it is left as it is")
-                               .arg(db.databaseName()));
+        return fail(error,
+                    QStringLiteral("the database %1 already holds tables; it is left as it is").arg(db.databaseName()));
     count.finish();
     if (!db.transaction())
         return fail(error, db.lastError().text());

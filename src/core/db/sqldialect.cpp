@@ -53,10 +53,9 @@ QString translateCode(QString code, SqlEngine engine)
     if (!code.contains(u'&') && !code.contains(QLatin1String("UCASE"), Qt::CaseInsensitive) &&
         !code.contains(QLatin1String("DELETE"), Qt::CaseInsensitive))
         return code;
-    static const QRegularExpression deleteStar(
-        QStringLiteral("\\bDELETE\\s+\\*\\s*FROM\\b"), QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression ucase(QStringLiteral("\\bUCASE\\s*\\("),
-                                          QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression deleteStar(QStringLiteral("\\bDELETE\\s+\\*\\s*FROM\\b"),
+                                               QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression ucase(QStringLiteral("\\bUCASE\\s*\\("), QRegularExpression::CaseInsensitiveOption);
     code.replace(deleteStar, QStringLiteral("DELETE FROM"));
     code.replace(ucase, QStringLiteral("UPPER("));
     code.replace(u'&', QStringLiteral("||"));
@@ -73,7 +72,8 @@ QString keyOrder(const QString &code)
     static const QRegularExpression excluded(QStringLiteral("\\b(ORDER|GROUP|LIMIT|UNION|HAVING)\\b"),
                                              QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression query(
-        QStringLiteral("^\\s*SELECT\\s+(DISTINCT\\s+)?(.*?)\\s+FROM\\s+([A-Za-z_]+)(\\s+[A-Za-z_]+)?\\s*(,|\\bWHERE\\b|;|$)"),
+        QStringLiteral(
+            "^\\s*SELECT\\s+(DISTINCT\\s+)?(.*?)\\s+FROM\\s+([A-Za-z_]+)(\\s+[A-Za-z_]+)?\\s*(,|\\bWHERE\\b|;|$)"),
         QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
     const QRegularExpressionMatch m = query.match(code);
     if (!m.hasMatch() || code.contains(excluded))
@@ -91,7 +91,7 @@ QString keyOrder(const QString &code)
     }
     if (m.captured(5) == u",")
         return {}; // rows of several tables: no single key
-    static const QHash<QString, QString> keys{
+    static const QHash<QString, QString> keys {
         {QStringLiteral("RECIPE"), QStringLiteral("id")},
         {QStringLiteral("INGREDIENTS"), QStringLiteral("recipe_id, ingred_id")},
         {QStringLiteral("DIRECTIONS"), QStringLiteral("recipe_id, step")},

@@ -6,7 +6,7 @@
 #include <QString>
 
 enum class SqlEngine {
-    Sqlite,   // the embedded file database, whose LIKE ignores case for every letter
+    Sqlite, // the embedded file database, whose LIKE ignores case for every letter
     Postgres, // a shared server: TRUE and FALSE are not numbers, LIKE heeds case
 };
 

@@ -228,8 +228,8 @@ void InstallTextFunctions(QSqlDatabase &db)
     sqlite3 *connection = *static_cast<sqlite3 *const *>(handle.data());
     if (!connection)
         return;
-    sqlite3_create_function(connection, "upper", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, &upper,
-                            nullptr, nullptr);
-    sqlite3_create_function(connection, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, &like,
-                            nullptr, nullptr);
+    sqlite3_create_function(connection, "upper", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, &upper, nullptr,
+                            nullptr);
+    sqlite3_create_function(connection, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, &like, nullptr,
+                            nullptr);
 }

@@ -51,8 +51,8 @@ public:
         }
         sqlite3_stmt *statement = nullptr;
         const char *tail = nullptr;
-        if (sqlite3_prepare_v3(connection, shape.constData(), int(shape.size()), SQLITE_PREPARE_PERSISTENT,
-                               &statement, &tail) != SQLITE_OK ||
+        if (sqlite3_prepare_v3(connection, shape.constData(), int(shape.size()), SQLITE_PREPARE_PERSISTENT, &statement,
+                               &tail) != SQLITE_OK ||
             !statement || (tail && *tail)) {
             sqlite3_finalize(statement);
             return nullptr;
@@ -97,9 +97,7 @@ public:
     // A statement from the cache goes back there under its shape when its rows are done with;
     // any other (no shape) is finalized.
     SqliteSource(sqlite3_stmt *statement, QByteArray shape)
-        : m_statement(statement)
-        , m_shape(std::move(shape))
-        , m_generation(statementCache().generation())
+        : m_statement(statement), m_shape(std::move(shape)), m_generation(statementCache().generation())
     {
         const int columns = sqlite3_column_count(statement);
         m_names.reserve(columns);
@@ -178,11 +176,7 @@ private:
 class QuerySource : public RecordSource
 {
 public:
-    explicit QuerySource(QSqlQuery query)
-        : m_query(std::move(query))
-        , m_record(m_query.record())
-    {
-    }
+    explicit QuerySource(QSqlQuery query) : m_query(std::move(query)), m_record(m_query.record()) { }
     bool next() override { return m_query.next(); }
     QVariant value(int index) const override { return m_query.value(index); }
     int indexOf(const QString &column) const override { return m_record.indexOf(column); }
@@ -387,7 +381,8 @@ bool splitQuery(const QByteArray &sql, QByteArray &shape, Literals &values)
     qsizetype end = -1;
     const qsizetype n = text.size();
     for (qsizetype i = 0; i < n; ++i) {
-        if (!std::isdigit(static_cast<unsigned char>(text[i])) || (i > 0 && (isNamePart(text[i - 1]) || text[i - 1] == '.')))
+        if (!std::isdigit(static_cast<unsigned char>(text[i])) ||
+            (i > 0 && (isNamePart(text[i - 1]) || text[i - 1] == '.')))
             continue;
         if (number >= 0)
             return false;

@@ -6,7 +6,7 @@
 #include <QStringList>
 
 extern QString gRecipeType; // "Food", "Drink" or "Other"
-extern qint16 gSubWindows;  // open search, cabinet, menu and editor windows
+extern qint16 gSubWindows; // open search, cabinet, menu and editor windows
 
 struct AppSettings {
     int BaseFontSize = 9;

@@ -44,7 +44,8 @@ QString CopyBeside(const QString &path, const QString &tempName)
 {
     // The copy must lie on the same file system as the file: only there is a rename one step.
     const QFileInfo target(path);
-    return QDir(target.absolutePath()).filePath(tempName.isEmpty() ? target.fileName() + QStringLiteral(".new") : tempName);
+    return QDir(target.absolutePath())
+        .filePath(tempName.isEmpty() ? target.fileName() + QStringLiteral(".new") : tempName);
 }
 
 void RenameOver(const QString &copy, const QString &path)
@@ -62,8 +63,8 @@ void ReplaceFile(const QString &path, const QByteArray &data, const QString &tem
 {
     const QString temp = CopyBeside(path, tempName);
     QFile out(temp);
-    const bool written = out.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-                         out.write(data) == data.size() && out.flush() && syncToDisk(out);
+    const bool written = out.open(QIODevice::WriteOnly | QIODevice::Truncate) && out.write(data) == data.size() &&
+                         out.flush() && syncToDisk(out);
     out.close();
     if (!written) {
         QFile::remove(temp);

@@ -356,8 +356,7 @@ const IniDocument &emptyDocument()
 
 } // namespace
 
-IniFile::IniFile(const QString &path)
-    : m_path(path)
+IniFile::IniFile(const QString &path) : m_path(path)
 {
     const auto source = readIni(path, true);
     m_document = std::make_unique<IniDocument>(source ? *source : emptyDocument());
@@ -422,8 +421,7 @@ QStringList GetIniSection(const QString &path, const QString &section)
     return (document ? *document : emptyDocument()).section(section);
 }
 
-void WriteIniValue(const QString &path, const QString &section, const QString &newLine,
-                   bool ordered)
+void WriteIniValue(const QString &path, const QString &section, const QString &newLine, bool ordered)
 {
     // A file that cannot be read is not replaced by the one line.
     const auto source = readIni(path, true);

@@ -53,8 +53,7 @@ QStringList GetIniSection(const QString &path, const QString &section);
 // otherwise the line goes at the end of the section, except that when another section follows,
 // it lands just under that section's header. With ordered insertion the line goes before the
 // first line of the section that sorts after it. An absent section is appended.
-void WriteIniValue(const QString &path, const QString &section, const QString &line,
-                   bool ordered = false);
+void WriteIniValue(const QString &path, const QString &section, const QString &line, bool ordered = false);
 // Removes the key's line from the section (a FileAccess error when the file cannot be read).
 void DeleteIniKey(const QString &path, const QString &section, const QString &key);
 bool FileExists(const QString &path);

@@ -4,8 +4,7 @@
 #include <cmath>
 #include <limits>
 
-PlatformError::PlatformError(Code code, QString detail)
-    : m_code(code), m_detail(std::move(detail))
+PlatformError::PlatformError(Code code, QString detail) : m_code(code), m_detail(std::move(detail))
 {
     m_what = description().toUtf8();
 }
@@ -182,8 +181,7 @@ qint16 CInt(const QString &text)
 qint32 CLng(const QString &text)
 {
     const double rounded = std::nearbyint(strictNumber(text));
-    if (!(rounded >= std::numeric_limits<qint32>::min() &&
-          rounded <= std::numeric_limits<qint32>::max()))
+    if (!(rounded >= std::numeric_limits<qint32>::min() && rounded <= std::numeric_limits<qint32>::max()))
         throw PlatformError(PlatformError::Overflow);
     return static_cast<qint32>(rounded);
 }

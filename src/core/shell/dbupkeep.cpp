@@ -57,9 +57,10 @@ void copyDatabase(const QString &from, const QString &to)
     QFile::remove(temp);
     sqlite3 *source = nullptr;
     sqlite3 *target = nullptr;
-    bool copied = sqlite3_open_v2(QFile::encodeName(from).constData(), &source, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK &&
-                  sqlite3_open_v2(QFile::encodeName(temp).constData(), &target, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                                  nullptr) == SQLITE_OK;
+    bool copied =
+        sqlite3_open_v2(QFile::encodeName(from).constData(), &source, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK &&
+        sqlite3_open_v2(QFile::encodeName(temp).constData(), &target, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                        nullptr) == SQLITE_OK;
     QString why;
     if (copied) {
         sqlite3_backup *backup = sqlite3_backup_init(target, "main", source, "main");
@@ -120,7 +121,8 @@ void BackupDatabase()
     if (d.isEmpty())
         return;
     if (!FileExists(d + kLive)) {
-        MsgBox(QStringLiteral("There was a problem locating ") + d + QStringLiteral(" PANTRIO.MDB!\nPlease check the DB Path in your settings."),
+        MsgBox(QStringLiteral("There was a problem locating ") + d +
+                   QStringLiteral(" PANTRIO.MDB!\nPlease check the DB Path in your settings."),
                Msg::Critical, QStringLiteral("Database not found"));
         return;
     }
@@ -129,11 +131,12 @@ void BackupDatabase()
                Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     // The old backup is replaced in one step by the new one, not deleted first.
-    if (FileExists(d + kBackup) &&
-        MsgBox(QStringLiteral("There is already a backup DB.  Do you want to overwrite it?"), Msg::Question) != MsgResult::Yes)
+    if (FileExists(d + kBackup) && MsgBox(QStringLiteral("There is already a backup DB.  Do you want to overwrite it?"),
+                                          Msg::Question) != MsgResult::Yes)
         return;
     try {
-        StatusGuard status(QStringLiteral("Please wait while the database is disconnected, copied, and reconnected..."));
+        StatusGuard status(
+            QStringLiteral("Please wait while the database is disconnected, copied, and reconnected..."));
         Disconnected closed;
         Wait(1);
         copyDatabase(d + kLive, d + kBackup);
@@ -156,15 +159,17 @@ void RestoreDatabase()
     if (d.isEmpty())
         return;
     if (!FileExists(d + kBackup)) {
-        MsgBox(QStringLiteral("You do not have a backup database yet!\n\nYou must backup your database before you can recover!"),
+        MsgBox(QStringLiteral(
+                   "You do not have a backup database yet!\n\nYou must backup your database before you can recover!"),
                Msg::Critical, QStringLiteral("Error"));
         return;
     }
-    if (MsgBox(QStringLiteral("This will replace ") + d + kLive +
-                   QStringLiteral(" with the archived copy (PANTRIO.BAK) made when you last backed up your database.  It "
-                                  "will also copy your current database to ") +
-                   d + kOld + QStringLiteral(".\nAre you sure you want to recover from the backup database?"),
-               Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+    if (MsgBox(
+            QStringLiteral("This will replace ") + d + kLive +
+                QStringLiteral(" with the archived copy (PANTRIO.BAK) made when you last backed up your database.  It "
+                               "will also copy your current database to ") +
+                d + kOld + QStringLiteral(".\nAre you sure you want to recover from the backup database?"),
+            Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     // A backup that is no recipe database would leave the household with nothing to open.
     if (const QString problem = RecipeDatabaseProblem(d + kBackup); !problem.isEmpty()) {
@@ -174,8 +179,9 @@ void RestoreDatabase()
         return;
     }
     try {
-        StatusGuard status(QStringLiteral("Please wait while the current database is disconnected and the backup databse "
-                                          "is restored and reconnected..."));
+        StatusGuard status(
+            QStringLiteral("Please wait while the current database is disconnected and the backup databse "
+                           "is restored and reconnected..."));
         Disconnected closed;
         Wait(1);
         // The live database stays in place until the backup replaces it in one step: a
@@ -195,8 +201,9 @@ void RestoreDatabase()
 
 void ResetRatings()
 {
-    if (MsgBox(QStringLiteral("This will reset all recipe ratings to the default setting of 'Not Rated', which is denoted by "
-                              "having no rank.\nWould you like to proceed?"),
+    if (MsgBox(QStringLiteral(
+                   "This will reset all recipe ratings to the default setting of 'Not Rated', which is denoted by "
+                   "having no rank.\nWould you like to proceed?"),
                Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     if (ReportNotConnected())

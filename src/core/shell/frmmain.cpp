@@ -44,8 +44,7 @@ void wire(Sender *sender, Signal signal, void (*command)())
 
 } // namespace
 
-frmMain::frmMain(QWidget *parent)
-    : QMainWindow(parent)
+frmMain::frmMain(QWidget *parent) : QMainWindow(parent)
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Mirepan"));
@@ -67,14 +66,11 @@ frmMain::frmMain(QWidget *parent)
         grid->addWidget(label, row, 1);
         return button;
     };
-    cmdAddRecipe = addRow("cmdAddRecipe", QStringLiteral("&Add"),
-                          QStringLiteral("Add new recipes to the database"));
+    cmdAddRecipe = addRow("cmdAddRecipe", QStringLiteral("&Add"), QStringLiteral("Add new recipes to the database"));
     cmdSearchRecipe = addRow("cmdSearchRecipe", QStringLiteral("&Search"),
                              QStringLiteral("View, print, and maintain existing recipes"));
-    cmdCabinet = addRow("cmdCabinet", QStringLiteral("&Cabinet"),
-                        QStringLiteral("Maintain your cabinets"));
-    cmdMenu = addRow("cmdMenu", QStringLiteral("&Menu"),
-                     QStringLiteral("Plan a menu and/or make a shopping list"));
+    cmdCabinet = addRow("cmdCabinet", QStringLiteral("&Cabinet"), QStringLiteral("Maintain your cabinets"));
+    cmdMenu = addRow("cmdMenu", QStringLiteral("&Menu"), QStringLiteral("Plan a menu and/or make a shopping list"));
     cmdExit = addRow("cmdExit", QStringLiteral("&Exit"), QStringLiteral("Exit the Mirepan"));
 
     cboRecipeType = new QComboBox(central);

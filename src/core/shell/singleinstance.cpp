@@ -16,11 +16,7 @@ QString SingleInstance::keyFor(const QString &programDir)
            QString::fromLatin1(QCryptographicHash::hash(who, QCryptographicHash::Sha1).toHex().left(16));
 }
 
-SingleInstance::SingleInstance(const QString &key, QObject *parent)
-    : QObject(parent)
-    , m_key(key)
-{
-}
+SingleInstance::SingleInstance(const QString &key, QObject *parent) : QObject(parent), m_key(key) { }
 
 SingleInstance::~SingleInstance() = default;
 

@@ -28,10 +28,10 @@ void reportOpenFailure(const OpenFailure &failure)
                Msg::Critical, QStringLiteral("Database not found"));
     } else {
         const QString after = failure.onServer
-                                  ? QStringLiteral(".\n\nCheck that the server is running and can be reached from this "
-                                                   "computer, then start Mirepan again. Until then Mirepan runs without "
-                                                   "its database.")
-                                  : QStringLiteral(".\n\nThe file was left as it is. Mirepan runs without its database.");
+                                ? QStringLiteral(".\n\nCheck that the server is running and can be reached from this "
+                                                 "computer, then start Mirepan again. Until then Mirepan runs without "
+                                                 "its database.")
+                                : QStringLiteral(".\n\nThe file was left as it is. Mirepan runs without its database.");
         MsgBox(QStringLiteral("The recipe database ") + failure.file + QStringLiteral(" cannot be used: ") +
                    failure.reason + after,
                Msg::Critical, QStringLiteral("Error"));
@@ -81,8 +81,7 @@ std::unique_ptr<frmMain> Startup()
     return main;
 }
 
-MirepanApplication::MirepanApplication(int &argc, char **argv)
-    : QApplication(argc, argv)
+MirepanApplication::MirepanApplication(int &argc, char **argv) : QApplication(argc, argv)
 {
     setApplicationName(QStringLiteral("Mirepan"));
     setOrganizationName(QStringLiteral("Mirepan"));

@@ -44,8 +44,7 @@ void DisableControl(QWidget *control)
 {
     control->setEnabled(false);
     if (isTextBox(control))
-        setBoxColours(control, control->palette().color(QPalette::Button),
-                      control->palette().color(QPalette::Text));
+        setBoxColours(control, control->palette().color(QPalette::Button), control->palette().color(QPalette::Text));
     if (auto *list = qobject_cast<QTreeWidget *>(control))
         list->clearSelection();
 }
@@ -59,8 +58,7 @@ void EnableControl(QWidget *control)
 
 bool HasSelection(const QTreeWidget *list)
 {
-    return list->topLevelItemCount() > 0 && list->currentItem() &&
-           list->currentItem()->isSelected();
+    return list->topLevelItemCount() > 0 && list->currentItem() && list->currentItem()->isSelected();
 }
 
 void SelectAllText(QLineEdit *box)

@@ -15,10 +15,9 @@
 namespace {
 QPointer<frmStatus> g_status;
 bool g_cancellable = false;
-}
+} // namespace
 
-frmStatus::frmStatus(QWidget *parent)
-    : QWidget(parent, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint)
+frmStatus::frmStatus(QWidget *parent) : QWidget(parent, Qt::Tool | Qt::WindowTitleHint | Qt::CustomizeWindowHint)
 {
     setObjectName(QStringLiteral("frmStatus"));
     setWindowTitle(ProgramTitle());
@@ -55,8 +54,8 @@ void ShowStatus(const QString &message)
     g_status->adjustSize();
     // Over the window the user is working in, or the middle of the screen.
     const QWidget *over = QApplication::activeWindow();
-    const QRect area = over && over != g_status ? over->frameGeometry()
-                                                 : QApplication::primaryScreen()->availableGeometry();
+    const QRect area =
+        over && over != g_status ? over->frameGeometry() : QApplication::primaryScreen()->availableGeometry();
     g_status->move(area.center() - g_status->rect().center());
     g_status->show();
     g_status->repaint();
@@ -79,8 +78,7 @@ void SetStatusProgress(int value)
         g_status->lblPct->show();
         g_status->adjustSize();
     }
-    g_status->lblPct->setText(QString::number(100 * bar->value() / std::max(1, bar->maximum())) +
-                              u'%');
+    g_status->lblPct->setText(QString::number(100 * bar->value() / std::max(1, bar->maximum())) + u'%');
     g_status->repaint();
 }
 
@@ -92,8 +90,8 @@ void ShowStatusStep(const QString &message, int value)
         sincePaint.start();
     }
     QProgressBar *bar = g_status->pgbStatus;
-    const bool paint = !sincePaint.isValid() || sincePaint.elapsed() >= 50 || value >= bar->maximum() ||
-                       bar->isHidden();
+    const bool paint =
+        !sincePaint.isValid() || sincePaint.elapsed() >= 50 || value >= bar->maximum() || bar->isHidden();
     if (!paint) {
         // Painted with the next step that is due.
         g_status->lblMessage->setText(message);

@@ -47,8 +47,7 @@ MsgResult MsgBox(const QString &prompt, MsgStyle style, const QString &title)
     if (g_responder)
         return g_responder->messageBox(prompt, style, caption);
 
-    QMessageBox box(toQtIcon(style.icon), caption, prompt, QMessageBox::NoButton,
-                    QApplication::activeWindow());
+    QMessageBox box(toQtIcon(style.icon), caption, prompt, QMessageBox::NoButton, QApplication::activeWindow());
     switch (style.buttons) {
     case MsgButtons::Ok:
         box.setStandardButtons(QMessageBox::Ok);
@@ -81,8 +80,8 @@ QString InputBox(const QString &prompt, const QString &title, const QString &def
     if (g_responder)
         return g_responder->inputBox(prompt, caption, defaultText);
     bool ok = false;
-    const QString answer = QInputDialog::getText(QApplication::activeWindow(), caption, prompt,
-                                                 QLineEdit::Normal, defaultText, &ok);
+    const QString answer =
+        QInputDialog::getText(QApplication::activeWindow(), caption, prompt, QLineEdit::Normal, defaultText, &ok);
     return ok ? answer : QString();
 }
 
@@ -114,7 +113,6 @@ void ShowModal(QDialog *dialog)
     }
     dialog->exec();
 }
-
 
 void Wait(double seconds)
 {

@@ -22,11 +22,11 @@ struct MsgStyle {
 };
 
 namespace Msg {
-inline constexpr MsgStyle Ok{};
-inline constexpr MsgStyle Critical{MsgButtons::Ok, MsgIcon::Critical};
-inline constexpr MsgStyle Information{MsgButtons::Ok, MsgIcon::Information};
-inline constexpr MsgStyle Question{MsgButtons::YesNo, MsgIcon::Question};
-inline constexpr MsgStyle QuestionDefaultNo{MsgButtons::YesNo, MsgIcon::Question, true};
+inline constexpr MsgStyle Ok {};
+inline constexpr MsgStyle Critical {MsgButtons::Ok, MsgIcon::Critical};
+inline constexpr MsgStyle Information {MsgButtons::Ok, MsgIcon::Information};
+inline constexpr MsgStyle Question {MsgButtons::YesNo, MsgIcon::Question};
+inline constexpr MsgStyle QuestionDefaultNo {MsgButtons::YesNo, MsgIcon::Question, true};
 } // namespace Msg
 
 // The title a box gets when its message names none.
@@ -57,8 +57,7 @@ class Responder
 public:
     virtual ~Responder() = default;
     virtual MsgResult messageBox(const QString &prompt, MsgStyle style, const QString &title) = 0;
-    virtual QString inputBox(const QString &prompt, const QString &title,
-                             const QString &defaultText) = 0;
+    virtual QString inputBox(const QString &prompt, const QString &title, const QString &defaultText) = 0;
     virtual QString fileName(const QString &title, const QString &current) = 0;
     // One answer of fileName, a name a line.
     virtual QStringList fileNames(const QString &title, const QString &current)

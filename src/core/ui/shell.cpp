@@ -39,11 +39,12 @@ bool OpenDocument(const QString &path, std::function<void()> whenFailed)
     // The opener answers when it has found a program, or that there is none; the window
     // goes on meanwhile.
     auto *process = new QProcess(QCoreApplication::instance());
-    QObject::connect(process, &QProcess::finished, process, [process, whenFailed](int code, QProcess::ExitStatus status) {
-        process->deleteLater();
-        if ((code != 0 || status != QProcess::NormalExit) && whenFailed)
-            whenFailed();
-    });
+    QObject::connect(process, &QProcess::finished, process,
+                     [process, whenFailed](int code, QProcess::ExitStatus status) {
+                         process->deleteLater();
+                         if ((code != 0 || status != QProcess::NormalExit) && whenFailed)
+                             whenFailed();
+                     });
     QObject::connect(process, &QProcess::errorOccurred, process, [process, whenFailed](QProcess::ProcessError error) {
         if (error != QProcess::FailedToStart)
             return;

@@ -5,8 +5,7 @@
 #include <QWidget>
 #include <QWindow>
 
-UserInputBlock::UserInputBlock(QWidget *except)
-    : m_except(except)
+UserInputBlock::UserInputBlock(QWidget *except) : m_except(except)
 {
     QCoreApplication::instance()->installEventFilter(this);
 }
