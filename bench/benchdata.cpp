@@ -3,7 +3,7 @@
 #include <QElapsedTimer>
 
 #include "core/db/database.h"
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 #include "core/db/datasources.h"
 #include "core/ui/msgbox.h"
 #include "core/db/schema.h"
@@ -154,7 +154,7 @@ BenchHome::BenchHome(int recipes) : d(std::make_unique<Private>())
     if (!OpenDatabase())
         qFatal("cannot open the benchmark database");
     SetResponder(&d->yes);
-    InstallWindowDatabaseVoice();
+    InstallWindowVoice();
 }
 
 BenchHome::~BenchHome()

@@ -2,6 +2,7 @@
 // recipes, and the search for what can be made from it.
 
 #include "cabinet/cabinettools.h"
+#include "cabinet/stem.h"
 #include "cabinet/frmcabinet.h"
 #include "core/platform/appstate.h"
 #include "core/db/database.h"

@@ -1,11 +1,10 @@
 // The database session: statement preparation, the dialect, failures and identifiers.
 
-#include "core/ui/dbvoicewindows.h"
 #include "core/db/firststart.h"
 #include "core/db/database.h"
 #include "core/platform/modini.h"
 #include "core/db/sqldialect.h"
-#include "support/testsupport.h"
+#include "support/testhome.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,11 +14,11 @@
 #include <QSqlRecord>
 #include <QTest>
 
-class TestDatabase : public SessionTest
+class TestDatabase : public CoreSessionTest
 {
     Q_OBJECT
 public:
-    TestDatabase() : SessionTest(false) { }
+    TestDatabase() : CoreSessionTest(false) { }
 
 private Q_SLOTS:
     void prepareSql_data()
@@ -141,7 +140,7 @@ private Q_SLOTS:
         // The lines of a recipe go with it.
         ExecuteSQL("DELETE * FROM RECIPE WHERE ID = 1");
         QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 0);
-        QVERIFY(m_boxes->boxes.isEmpty());
+        QVERIFY(m_voice->told.isEmpty());
     }
 
     // Lists are read while other statements run, one per row read.
@@ -253,11 +252,11 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber("SELECT a FROM T WHERE b = 'x'"), 2);
         QVERIFY(ExecuteSQL("INSERT INTO T VALUES (1, 2)").failed()); // too few values: a command-text error
         QVERIFY(ExecuteSQL("INSERT INTO T VALUES (1, 2, 3, 4, 5) junk").failed());
-        QVERIFY(m_boxes->boxes.isEmpty());
+        QVERIFY(m_voice->told.isEmpty());
         ExecuteSQL("INSERT INTO CABINET VALUES ('salt', 'F', 0)");
         QVERIFY(ExecuteSQL("INSERT INTO CABINET VALUES ('SALT', 'F', 0)").failed()); // reported, as before
-        QCOMPARE(m_boxes->boxes.size(), 1);
-        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("UNIQUE"), Qt::CaseInsensitive));
+        QCOMPARE(m_voice->told.size(), 1);
+        QVERIFY(m_voice->told[0].text.contains(QStringLiteral("UNIQUE"), Qt::CaseInsensitive));
         plain.close();
         // Opening again lets go of the kept statements first: the old connection really closes.
         const auto handles = [this] {
@@ -333,7 +332,7 @@ private Q_SLOTS:
             }
         }
         QVERIFY(ExecuteSQL("SELECT * FROM NOSUCH WHERE ID = 2").failed());
-        QVERIFY(m_boxes->boxes.isEmpty());
+        QVERIFY(m_voice->told.isEmpty());
         plain.close();
     }
 
@@ -350,15 +349,14 @@ private Q_SLOTS:
             QueryNumber(
                 QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE '%%1%'").arg(QString(100, u'A') + u'B')),
             1);
-        QVERIFY(m_boxes->boxes.isEmpty());
+        QVERIFY(m_voice->told.isEmpty());
         // Past it (a 1 MB title search): refused at once with the engine's words.
         const QString huge = QStringLiteral("%") + QString(1 << 20, u'a') + QStringLiteral("%");
         QVERIFY(
             ExecuteSQL(QStringLiteral("SELECT id FROM RECIPE A WHERE UCASE(A.title) LIKE '%1'").arg(huge)).failed());
-        QCOMPARE(m_boxes->boxes.size(), 1);
-        QVERIFY(
-            m_boxes->boxes[0].prompt.startsWith(QStringLiteral("1: LIKE or GLOB pattern too complex\n\nSELECT id")));
-        QVERIFY(m_boxes->boxes[0].prompt.size() < 1000);
+        QCOMPARE(m_voice->told.size(), 1);
+        QVERIFY(m_voice->told[0].text.startsWith(QStringLiteral("1: LIKE or GLOB pattern too complex\n\nSELECT id")));
+        QVERIFY(m_voice->told[0].text.size() < 1000);
     }
 
     void commandTextErrorsAreSilentOthersAreReported()
@@ -377,18 +375,18 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
         QCOMPARE(QueryNumber("SELECT count(*) FROM DIRECTIONS"), 0);
         QVERIFY(!ExecuteSQL("SELECT count(*) FROM DIRECTIONS;  ").failed());
-        QVERIFY(m_boxes->boxes.isEmpty());
+        QVERIFY(m_voice->told.isEmpty());
 
         ExecuteSQL("INSERT INTO CABINET VALUES ('salt', 'F', 0)");
         QVERIFY(!ExecuteSQL("INSERT INTO CABINET VALUES ('Salt', 'F', 0)"));
-        QCOMPARE(m_boxes->boxes.size(), 1);
-        QCOMPARE(m_boxes->boxes[0].style.icon, MsgIcon::Critical);
-        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral("UNIQUE"), Qt::CaseInsensitive));
-        QVERIFY(m_boxes->boxes[0].prompt.contains(QStringLiteral(": ")));
+        QCOMPARE(m_voice->told.size(), 1);
+        QVERIFY(m_voice->told[0].critical);
+        QVERIFY(m_voice->told[0].text.contains(QStringLiteral("UNIQUE"), Qt::CaseInsensitive));
+        QVERIFY(m_voice->told[0].text.contains(QStringLiteral(": ")));
 
         QVERIFY(!ExecuteSQL(QStringLiteral("INSERT INTO MENU VALUES (1, '', '") + QString(256, u'k') +
                             QStringLiteral("', 'deep')")));
-        QCOMPARE(m_boxes->boxes.size(), 2);
+        QCOMPARE(m_voice->told.size(), 2);
     }
 
     void nextIdAndTheFirstStartRecord()
@@ -423,11 +421,6 @@ private Q_SLOTS:
         QCOMPARE(failure.kind, OpenFailure::Missing);
         QCOMPARE(failure.file, m_home->path("gone/PANTRIO.MDB"));
         QVERIFY(!QFile::exists(m_home->path("gone")));
-        QVERIFY(ReportNotConnected());
-        QCOMPARE(
-            m_boxes->boxes.last().prompt,
-            QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
-        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
     }
 
     // Each way a file can fail to be the recipe database: named, and not a byte changed.

@@ -3,9 +3,9 @@
 // file as it was, and the next save works.
 
 #include "core/db/database.h"
-#include "core/db/dbvoice.h"
+#include "core/platform/voice.h"
 #include "cabinet/frmcabinet.h"
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 #include "menus/menutree.h"
 #include "recipes/frmadd2.h"
 #include "recipes/reciperepository.h"
@@ -57,7 +57,7 @@ const QString kMealMaster = QStringLiteral("MMMMM----- Recipe via Meal-Master (t
                                            "MMMMM\n");
 
 // A voice that records the waits and does what the test says at each.
-class WaitingVoice : public DatabaseVoice
+class WaitingVoice : public Voice
 {
 public:
     void report(const QString &text, const QString &) override { reports << text; }
@@ -67,8 +67,6 @@ public:
         return onWait ? onWait(int(waitTexts.size())) : true;
     }
     void waitEnded() override { ++ended; }
-    void working(const QString &) override { }
-    void workEnded() override { }
 
     QStringList reports;
     QStringList waitTexts;
@@ -262,7 +260,7 @@ private Q_SLOTS:
             QVERIFY(reader.exec(QStringLiteral("BEGIN")));
             QVERIFY(reader.exec(QStringLiteral("SELECT * FROM RECIPE")) && reader.next()); // a read lock
             WaitingVoice voice;
-            SetDatabaseVoice(&voice);
+            SetVoice(&voice);
             voice.onWait = [&](int wait) {
                 if (wait == 2 && letGo) {
                     reader.finish();
@@ -272,7 +270,7 @@ private Q_SLOTS:
             };
             QString problem;
             const bool saved = StoreRecipe(TestRecipe(QStringLiteral("Waiting stew")), 0, false, &problem);
-            InstallWindowDatabaseVoice();
+            InstallWindowVoice();
             QCOMPARE(saved, letGo);
             QVERIFY(voice.waitTexts.size() >= 2);
             QCOMPARE(voice.waitTexts[0],

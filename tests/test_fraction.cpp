@@ -2,7 +2,7 @@
 
 #include "core/platform/platform.h"
 #include "quantities/cfraction.h"
-#include "support/testsupport.h"
+#include "support/testhome.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -38,11 +38,11 @@ std::pair<int, int> trialSimplify(int n, int d)
 
 } // namespace
 
-class TestFraction : public SessionTest
+class TestFraction : public CoreSessionTest
 {
     Q_OBJECT
 public:
-    TestFraction() : SessionTest(false) { }
+    TestFraction() : CoreSessionTest(false) { }
 
 private Q_SLOTS:
     void parsing_data()
@@ -79,18 +79,18 @@ private Q_SLOTS:
         QCOMPARE(int(f.Numerator()), numerator);
         QCOMPARE(int(f.Denominator()), denominator);
         QCOMPARE(f.StringValue(), formatted);
-        QVERIFY(m_boxes->boxes.isEmpty());
+        QVERIFY(m_voice->told.isEmpty());
     }
 
     void zeroDenominatorIsAMessageNotAnError()
     {
         cFraction f = parsed(QStringLiteral("1/0"));
-        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Error parsing string to create fraction!")});
-        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Error"));
-        QCOMPARE(m_boxes->boxes[0].style.buttons, MsgButtons::Ok);
+        QCOMPARE(m_voice->texts(), QStringList {QStringLiteral("Error parsing string to create fraction!")});
+        QCOMPARE(m_voice->told[0].title, QStringLiteral("Error"));
+        QVERIFY(!m_voice->told[0].critical); // a plain OK box
         QCOMPARE(f.StringValue(), QStringLiteral("1/0"));
         f.setStringValue(QStringLiteral("1/"));
-        QCOMPARE(m_boxes->boxes.size(), 2); // once per parse
+        QCOMPARE(m_voice->told.size(), 2); // once per parse
         QCOMPARE(f.StringValue(), QStringLiteral("1/0"));
         cFraction fresh;
         QCOMPARE(fresh.Denominator(), qint16(0));
@@ -275,7 +275,7 @@ private Q_SLOTS:
                 (void)f.StringValue();
             } catch (const PlatformError &) { }
         }
-        m_boxes->clear(); // the zero-denominator texts showed their message
+        m_voice->told.clear(); // the zero-denominator texts showed their message
         QVERIFY_THROWS_EXCEPTION(PlatformError, parsed(QStringLiteral("99999")));
         QVERIFY_THROWS_EXCEPTION(PlatformError, parsed(QStringLiteral("1e400")));
     }

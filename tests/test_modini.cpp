@@ -2,7 +2,7 @@
 
 #include "core/platform/modini.h"
 #include "core/platform/platform.h"
-#include "support/testsupport.h"
+#include "support/testhome.h"
 
 #include <QDir>
 #include <QFile>

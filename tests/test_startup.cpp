@@ -1,6 +1,6 @@
 // Start-up: the first-run road, the main window and its exit guard.
 
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 #include "core/platform/appstate.h"
 #include "core/db/database.h"
 #include "core/db/datasources.h"
@@ -224,6 +224,9 @@ private Q_SLOTS:
         QVERIFY(main->isVisible());
         QCOMPARE(gMaxRecipeID, qint16(0));
         QVERIFY(ReportNotConnected());
+        QCOMPARE(
+            m_boxes->boxes.last().prompt,
+            QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Message"));
     }
 

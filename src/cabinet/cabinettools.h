@@ -4,11 +4,6 @@
 // ingredients' cabinet names to a compact stem. Each asks first and works under the progress
 // window.
 
-#include <QString>
-
 void CleanCabinet();
 void RefreshCabinet();
 void RepairCabinet();
-// The stem of an ingredient text: cut at the first ",", "-", "(", "/" or " or " (any case),
-// trimmed; the whole text, trimmed, when the stem would be shorter than three characters.
-QString StripToDelimiter(const QString &text);

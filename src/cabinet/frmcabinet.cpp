@@ -9,7 +9,7 @@
 #include "core/ui/msgbox.h"
 #include "core/platform/programdir.h"
 #include "reports/recipeprinter.h"
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 
 #include <QCloseEvent>
 #include <QComboBox>

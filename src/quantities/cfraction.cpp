@@ -1,6 +1,6 @@
 #include "cfraction.h"
 
-#include "core/ui/msgbox.h"
+#include "core/platform/voice.h"
 #include "core/platform/platform.h"
 
 #include <cmath>
@@ -61,7 +61,7 @@ void cFraction::setStringValue(const QString &text)
         m_numerator = Floor16(Val(s));
     }
     if (m_denominator == 0)
-        MsgBox(QStringLiteral("Error parsing string to create fraction!"), Msg::Ok, QStringLiteral("Error"));
+        TheVoice().notice(QStringLiteral("Error parsing string to create fraction!"), QStringLiteral("Error"));
 }
 
 void cFraction::MakeTopHeavy()

@@ -9,7 +9,7 @@
 #include <QLabel>
 #include "core/ui/msgbox.h"
 #include "recipes/reciperepository.h"
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 
 #include <cmath>
 

@@ -14,7 +14,7 @@
 #include "settings/frmsettings.h"
 #include "recipes/frmadd2.h"
 #include "reports/recipereport.h"
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>

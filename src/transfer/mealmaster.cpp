@@ -1,6 +1,6 @@
 #include "mealmaster.h"
 
-#include "cabinet/cabinettools.h"
+#include "cabinet/stem.h"
 #include "core/platform/platform.h"
 
 #include <QIODevice>

@@ -14,7 +14,7 @@
 #include "core/platform/programdir.h"
 #include "recipes/reciperepository.h"
 #include "search/frmsearch.h"
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,7 +3,7 @@
 // next free identifier. It prints "saved S failed F" and fails when any save failed.
 
 #include "core/db/database.h"
-#include "core/db/dbvoice.h"
+#include "core/platform/voice.h"
 #include "recipes/reciperepository.h"
 
 #include <QCoreApplication>
@@ -12,17 +12,13 @@
 namespace {
 
 // No one to ask: every failure goes to standard error.
-class Unattended : public DatabaseVoice
+class Unattended : public Voice
 {
 public:
     void report(const QString &text, const QString &title) override
     {
         std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
     }
-    bool waiting(const QString &, int, int) override { return true; }
-    void waitEnded() override { }
-    void working(const QString &) override { }
-    void workEnded() override { }
 };
 
 RecipeData recipe(const QString &title, int n)
@@ -52,7 +48,7 @@ int main(int argc, char *argv[])
     if (argc != 3)
         return 2;
     Unattended unattended;
-    SetDatabaseVoice(&unattended);
+    SetVoice(&unattended);
     OpenFailure failure;
     if (!OpenDatabase(&failure)) {
         std::fprintf(stderr, "saveloop: cannot open the collection: %s\n", qPrintable(failure.reason));

@@ -1,11 +1,11 @@
 #pragma once
-// What the tests share: a scripted answerer for message boxes, a throw-away program directory
-// with its own settings file and database, and a fake shell.
+// What the tests of windows share, beside testhome.h: a scripted answerer for message boxes,
+// a fake shell, and the session fixture.
 
-#include "core/db/datasources.h"
+#include "testhome.h"
+
 #include "core/ui/msgbox.h"
 #include "core/ui/shell.h"
-#include "recipes/recipedata.h"
 
 #include <QList>
 #include <QObject>
@@ -70,27 +70,6 @@ private:
     double m_waited = 0;
 };
 
-// A fresh program directory: $MIREPAN_HOME and $MIREPAN_DATASOURCES point into a temporary
-// directory for the lifetime of the object.
-class TestHome
-{
-public:
-    explicit TestHome(bool withShippedIni = true);
-    ~TestHome();
-
-    QString dir() const { return m_dir.path(); }
-    QString path(const QString &name) const { return m_dir.filePath(name); }
-    QString iniPath() const { return path(QStringLiteral("pantrio.ini")); }
-    QString databasePath() const { return path(QStringLiteral("PANTRIO.MDB")); }
-    // Creates PANTRIO.MDB from the shipped schema, registers it and opens the session.
-    void createAndOpenDatabase();
-    void registerDatabase(const QString &file);
-
-private:
-    QTemporaryDir m_dir;
-    QString m_previousDir;
-};
-
 // Records what would be started or opened; optionally runs the started program at once.
 class FakeShell : public ShellHook
 {
@@ -127,46 +106,8 @@ private:
     bool m_withDatabase;
 };
 
-// A recipe to test with. Lines read "amount|measure|ingredient|cabinet" (the cabinet name is
-// the ingredient when left out); lines and steps are numbered from 01.
-RecipeData TestRecipe(const QString &title, const QStringList &lines = {}, const QStringList &steps = {},
-                      const QString &type = QStringLiteral("Food"));
-// Stores the recipe under the identifier (the next free one when 0): the identifier, or -1
-// with a test failure when it could not be stored.
-qint32 StoreTestRecipe(const RecipeData &recipe, qint32 id = 0);
-QString TwoDigits(int n);
-// An identifier as the lists show it.
-QString SevenDigits(qint32 id);
-// A recipe as one text, every field and line, for comparing two recipes.
-QString Describe(const RecipeData &recipe);
 // The texts of a list's column, top to bottom.
 QStringList ColumnTexts(const QTreeWidget *list, int column = 0);
-
-// The test server's directory (scripts/pgserver.sh) when the tests run against a PostgreSQL
-// server, "" when they run against the file database.
-QString TestServerDir();
-// The test server's entry for one of its databases.
-DataSource TestServerSource(const QString &database);
-// A new, empty database of this test program's own on the test server.
-DataSource EmptyServerDatabase(const QString &name);
-// Skips the test when it runs against a server: it is about the database file itself.
-#define SKIP_ON_SERVER()                                                                                               \
-    do {                                                                                                               \
-        if (!TestServerDir().isEmpty())                                                                                \
-            QSKIP("about the database file");                                                                          \
-    } while (false)
-
-// The first field of the first row of a query on the session, -1 when there is none.
-int QueryNumber(const QString &sql);
-QString ShippedIniPath();
-QString RegVeskPath();
-QString ReadFile(const QString &path);
-QByteArray ReadBytes(const QString &path);
-void WriteFile(const QString &path, const QByteArray &data);
-
-// Starts the write-loop helper with the arguments, kills it at a random moment within
-// withinMicroseconds of its first write, and waits for it to end; false when it would not run.
-bool KillWhileWriting(const QStringList &arguments, QRandomGenerator &random, int withinMicroseconds);
 
 // Saves a picture of the widget under $MIREPAN_SCREENSHOTS (when set) for a look by eye.
 void SaveScreenshot(QWidget *widget, const QString &name);

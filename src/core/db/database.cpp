@@ -1,7 +1,7 @@
 #include "database.h"
 
 #include "core/db/datasources.h"
-#include "core/db/dbvoice.h"
+#include "core/platform/voice.h"
 #include "core/platform/platform.h"
 #include "core/db/sqldialect.h"
 #include "core/db/sqlitefunctions.h"
@@ -208,9 +208,8 @@ Recordset ExecuteSQL(QString &sql)
         const QString detail = error.cause != StatementError::Other ? PlainFailure(error)
                              : prepared.size() > kShown             ? prepared.left(kShown) + QStringLiteral("...")
                                                                     : prepared;
-        TheDatabaseVoice().report(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") +
-                                      detail,
-                                  QStringLiteral("Database Error"));
+        TheVoice().report(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + detail,
+                          QStringLiteral("Database Error"));
     }
     return Recordset::failure();
 }
@@ -251,13 +250,12 @@ bool runWaiting(const QString &sql, StatementError &error)
             clock.start();
             SetLockWait(db, kLockStepMs);
         }
-        if (clock.elapsed() >= kLockWaitMs ||
-            !TheDatabaseVoice().waiting(kWaitingForLock, int(clock.elapsed()), kLockWaitMs))
+        if (clock.elapsed() >= kLockWaitMs || !TheVoice().waiting(kWaitingForLock, int(clock.elapsed()), kLockWaitMs))
             break;
     }
     if (clock.isValid()) {
         SetLockWait(db, kStatementLockWaitMs);
-        TheDatabaseVoice().waitEnded();
+        TheVoice().waitEnded();
     }
     return ran;
 }
@@ -378,5 +376,5 @@ QString StatementBatch::failure() const
 void StatementBatch::reportFailure() const
 {
     if (const QString why = failure(); !why.isEmpty())
-        TheDatabaseVoice().report(why, QStringLiteral("Not Saved"));
+        TheVoice().report(why, QStringLiteral("Not Saved"));
 }

@@ -1,7 +1,7 @@
 #include "dbcompact.h"
 
 #include "core/db/database.h"
-#include "core/db/dbvoice.h"
+#include "core/platform/voice.h"
 #include "core/db/statementrunner.h"
 
 #include <QSqlQuery>
@@ -47,7 +47,7 @@ bool CompactDatabaseIfScattered()
     const auto [pages, jumps] = leafPages();
     if (pages < kPagesThatMatter || double(jumps) / double(pages) < kScattered)
         return false;
-    DatabaseWork status(QStringLiteral("Putting the recipe database in order for faster searches..."));
+    WorkingNotice status(QStringLiteral("Putting the recipe database in order for faster searches..."));
     gRS = Recordset();
     ReleaseCachedStatements();
     // The rewrite goes through a temporary copy of the whole file: on disk, not in memory.

@@ -11,7 +11,7 @@
 #include "core/ui/msgbox.h"
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 #include "core/db/schema.h"
 
 #include <QFile>

@@ -2,7 +2,7 @@
 
 #include "core/platform/appstate.h"
 #include "core/db/database.h"
-#include "core/ui/dbvoicewindows.h"
+#include "core/ui/voicewindows.h"
 #include "core/shell/frmmain.h"
 #include "core/ui/frmstatus.h"
 #include "core/ui/guard.h"
@@ -86,7 +86,7 @@ MirepanApplication::MirepanApplication(int &argc, char **argv) : QApplication(ar
     setApplicationName(QStringLiteral("Mirepan"));
     setOrganizationName(QStringLiteral("Mirepan"));
     setApplicationVersion(QStringLiteral(MIREPAN_VERSION));
-    InstallWindowDatabaseVoice();
+    InstallWindowVoice();
     // Ties the windows to the menu entry and its icon on the desktop.
     setDesktopFileName(QStringLiteral("org.mirepan.Mirepan"));
     // Every window's title bar and the task switcher show the drawing (drawn at any size by

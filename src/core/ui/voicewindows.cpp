@@ -1,7 +1,7 @@
-#include "dbvoicewindows.h"
+#include "voicewindows.h"
 
 #include "core/db/database.h"
-#include "core/db/dbvoice.h"
+#include "core/platform/voice.h"
 #include "core/ui/frmstatus.h"
 #include "core/ui/msgbox.h"
 
@@ -61,10 +61,11 @@ private:
     bool m_previousBar = false;
 };
 
-class WindowVoice : public DatabaseVoice
+class WindowVoice : public Voice
 {
 public:
     void report(const QString &text, const QString &title) override { MsgBox(text, Msg::Critical, title); }
+    void notice(const QString &text, const QString &title) override { MsgBox(text, Msg::Ok, title); }
 
     bool waiting(const QString &text, int elapsedMs, int limitMs) override
     {
@@ -87,10 +88,10 @@ private:
 
 } // namespace
 
-void InstallWindowDatabaseVoice()
+void InstallWindowVoice()
 {
     static WindowVoice voice;
-    SetDatabaseVoice(&voice);
+    SetVoice(&voice);
 }
 
 bool ReportNotConnected()

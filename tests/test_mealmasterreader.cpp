@@ -1,0 +1,164 @@
+// MealMaster files read in: layouts, encodings, damage.
+
+#include "support/testhome.h"
+#include "transfer/mealmaster.h"
+
+#include <QBuffer>
+#include <QTest>
+
+namespace {
+
+const QStringList kHousehold {"---", "tsp", "Tbsp",  "cup",   "oz",  "lb",      "g",     "kg",
+                              "ml",  "l",   "pinch", "clove", "can", "package", "slice", "piece"};
+
+// The recipes of a file's text, each as one description with the reason it was refused.
+QStringList readAll(const QByteArray &bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    const MeasureCodes codes(kHousehold);
+    MealMasterReader reader(buffer, codes);
+    QStringList recipes;
+    for (MealMasterRecipe r; reader.next(r);)
+        recipes << (r.problem.isEmpty() ? Describe(r.recipe) : QStringLiteral("rejected: ") + r.problem);
+    return recipes;
+}
+
+// A recipe as the reader makes it: Food, no times, cabinet names from the ingredient.
+RecipeData imported(const QString &title, const QStringList &lines, const QStringList &steps)
+{
+    RecipeData r = TestRecipe(title, lines, steps);
+    r.prepTime = r.cookTime = QStringLiteral("00:00");
+    for (IngredientLine &line : r.ingredients)
+        line.cabinet = MealMasterCabinetName(line.ingredient);
+    return r;
+}
+
+const char kPie[] = "MMMMM----- Recipe via Meal-Master (tm) v8.05\n"
+                    "\n"
+                    "      Title: Apple Pie\n"
+                    " Categories: Desserts, Pies\n"
+                    "      Yield: 8 servings\n"
+                    "\n"
+                    "      2 c  Flour, sifted\n"
+                    "  1 1/2 ts Salt\n"
+                    "    1/2 lb Butter; cold and cut into\n"
+                    "           -small pieces\n"
+                    "      6    Apples\n"
+                    "      1    clove Garlic\n"
+                    "           Cinnamon\n"
+                    "\n"
+                    "MMMMM---------------------------TOPPING-------------------------------\n"
+                    "    1-2 zz Sugar\n"
+                    "\n"
+                    "  Rub the butter into the flour\n"
+                    "  and salt.\n"
+                    "\n"
+                    "  Bake at 190 C.\n"
+                    "\n"
+                    "MMMMM\n";
+
+} // namespace
+
+class TestMealMasterReader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsColumnsContinuationsHeadingsAndParagraphs()
+    {
+        RecipeData pie =
+            imported(QStringLiteral("Apple Pie"),
+                     {"2|cup|Flour, sifted", "1 1/2|tsp|Salt", "1/2|lb|Butter; cold and cut into small pieces",
+                      "6|---|Apples", "1|clove|Garlic", "---|---|Cinnamon", "1-2|zz|Sugar"},
+                     {"Rub the butter into the flour and salt.", "Bake at 190 C."});
+        pie.category = QStringLiteral("Desserts");
+        pie.servings = QStringLiteral("8 servings");
+        pie.notes = QStringLiteral("Categories: Desserts, Pies\n\nTOPPING (before ingredient line 7)");
+        QCOMPARE(readAll(kPie), QStringList {Describe(pie)});
+        QCOMPARE(pie.ingredients[2].cabinet, QStringLiteral("Butter"));
+    }
+
+    void headerVariantsAndTwoColumns()
+    {
+        // The right column starts at column 41.
+        const auto two = [](const char *left, const char *right) {
+            return QByteArray(left).leftJustified(40) + right + '\n';
+        };
+        const QByteArray text = "Some words before the first recipe.\n"
+                                "---------- Recipe via Meal-Master (tm) v8.02\n"
+                                "      Title: Salad\n"
+                                " Categories: Salads\n"
+                                "   Servings: 4\n"
+                                "\n" +
+                                two("      1 c  Lettuce", "      2 tb Oil") +
+                                two("      2    Tomatoes", "    1/2 ts Salt") +
+                                "           -ripe\n"
+                                "\n"
+                                "  Toss.\n"
+                                "-----\n";
+        RecipeData salad = imported(QStringLiteral("Salad"),
+                                    {"1|cup|Lettuce", "2|---|Tomatoes ripe", "2|Tbsp|Oil", "1/2|tsp|Salt"}, {"Toss."});
+        salad.category = QStringLiteral("Salads");
+        salad.servings = QStringLiteral("4");
+        QCOMPARE(readAll(text), QStringList {Describe(salad)});
+    }
+
+    void encodingsAreDetected_data()
+    {
+        QTest::addColumn<QByteArray>("title");
+        QTest::newRow("UTF-8") << QByteArray("Cr\xc3\xa8me br\xc3\xbbl\xc3\xa9\x65");
+        QTest::newRow("Latin-1") << QByteArray("Cr\xe8me br\xfbl\xe9\x65");
+        QTest::newRow("code page 437") << QByteArray("Cr\x8ame br\x96l\x82\x65");
+    }
+    void encodingsAreDetected()
+    {
+        QFETCH(QByteArray, title);
+        const QStringList read =
+            readAll("MMMMM----- Recipe via Meal-Master\n      Title: " + title + "\n\n  Chill.\nMMMMM\n");
+        QCOMPARE(read.size(), 1);
+        QVERIFY2(read[0].contains(QStringLiteral("Crème brûlée")), qPrintable(read[0]));
+    }
+
+    // Damage costs the recipe it is in, never the others, and never a crash or a hang.
+    void damagedInput_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QStringList>("read");
+        const QByteArray good =
+            "MMMMM----- Recipe via Meal-Master\n      Title: Good\n\n      1 c  Rice\n\n  Boil.\nMMMMM\n";
+        QTest::newRow("cut short") << good + good.left(60)
+                                   << QStringList {"Good", "rejected: the file ends before the recipe's end line"};
+        QTest::newRow("no end before the next")
+            << good.left(70) + good << QStringList {"rejected: it has no end line before the next recipe", "Good"};
+        QTest::newRow("no title") << QByteArray("MMMMM----- Recipe via Meal-Master\n\n  Boil.\nMMMMM\n") + good
+                                  << QStringList {"rejected: it has no title", "Good"};
+        QTest::newRow("binary") << QByteArray(5000, '\0') + QByteArray("\xff\xfe\x01\n", 4) + good
+                                << QStringList {"Good"};
+        QTest::newRow("nothing but text") << QByteArray("no recipes here\n") << QStringList();
+        QTest::newRow("empty") << QByteArray() << QStringList();
+        QTest::newRow("a long direction")
+            << QByteArray(good).replace("  Boil.", "  " + QByteArray(100000, 'b')) << QStringList {"Good"};
+        QTest::newRow("amounts that are no numbers") << QByteArray(good).replace("      1 c ", "    1/0 c ") +
+                                                            QByteArray(good).replace("      1 c ", "    1-2 c ")
+                                                     << QStringList {"Good", "Good"};
+        QTest::newRow("a line too long") << good.left(40) + "  " +
+                                                QByteArray(MealMasterReader::kLongestLine + 10, 'x') + "\n" +
+                                                good.mid(40) + good
+                                         << QStringList {"rejected: a line is longer than 1048576 characters", "Good"};
+    }
+    void damagedInput()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QStringList, read);
+        QStringList titles;
+        for (const QString &recipe : readAll(text))
+            titles << (recipe.startsWith(QStringLiteral("rejected")) ? recipe
+                                                                     : recipe.section(QStringLiteral(" / "), 3, 3));
+        QCOMPARE(titles, read);
+    }
+};
+
+QTEST_MAIN(TestMealMasterReader)
+#include "test_mealmasterreader.moc"
