@@ -51,10 +51,7 @@ frmAdd2::frmAdd2(QWidget *parent) : QWidget(parent, Qt::Window)
 
 frmAdd2::~frmAdd2()
 {
-    if (m_loaded && !m_unloaded) {
-        m_unloaded = true;
-        SubWindowClosed();
-    }
+    m_life.unload();
 }
 
 void frmAdd2::connectHandlers()
@@ -107,13 +104,13 @@ void frmAdd2::connectHandlers()
 
 bool frmAdd2::event(QEvent *event)
 {
-    if (event->type() == QEvent::Show && !m_loaded)
+    if (event->type() == QEvent::Show && !m_life.loaded())
         Guarded([this] { Form_Load(); });
     else if (event->type() == QEvent::WindowDeactivate)
         // Where the user went: a message box or the resize dialog, another program (no
         // Mirepan window is active then), or another Mirepan window.
         m_leftForModal = QApplication::activeModalWidget() != nullptr || QApplication::activeWindow() == nullptr;
-    else if (event->type() == QEvent::WindowActivate && m_loaded) {
+    else if (event->type() == QEvent::WindowActivate && m_life.loaded()) {
         // Only coming from another Mirepan window is an activation. Back from a question the
         // user stays on the tab it was about; back from another program (with ingredients
         // copied from a web page) on the tab and in the field they left.
@@ -126,10 +123,8 @@ bool frmAdd2::event(QEvent *event)
 
 void frmAdd2::Form_Load()
 {
-    if (m_loaded)
+    if (!m_life.load())
         return;
-    m_loaded = true;
-    SubWindowOpened();
     FillRecipeTypes(cboRecipeType);
     cboRecipeType->setCurrentText(RecipeType);
     LoadLists();
@@ -311,10 +306,7 @@ void frmAdd2::cmdClose_Click()
 void frmAdd2::closeEvent(QCloseEvent *event)
 {
     // Closing by the frame asks nothing.
-    if (m_loaded && !m_unloaded) {
-        m_unloaded = true;
-        SubWindowClosed();
-    }
+    m_life.unload();
     event->accept();
 }
 

@@ -5,6 +5,7 @@
 // and, to open a stored recipe, EditMode and RecipeID, then calls PopulateForm or shows it;
 // the first of these loads the window (Form_Load) with the properties in place.
 
+#include "core/platform/appstate.h"
 #include "recipedata.h"
 
 #include <QWidget>
@@ -140,8 +141,7 @@ private:
     void setNextStep();
     QTreeWidgetItem *newIngredientItem(const QString &number) const;
 
-    bool m_loaded = false;
-    bool m_unloaded = false;
+    SubWindowCount m_life;
     bool m_tabClickedWithMouse = false;
     bool m_leftForModal = false;
     QPushButton *m_defaultButton = nullptr;

@@ -199,3 +199,21 @@ RecipeData LoadRecipe(qint32 id)
     }
     return recipe;
 }
+
+bool DeleteRecipe(qint32 id, QString *problem)
+{
+    StatementBatch batch;
+    const QString number = QString::number(id);
+    for (const QString &statement : {QStringLiteral("DELETE * FROM INGREDIENTS WHERE recipe_id = "),
+                                     QStringLiteral("DELETE * FROM DIRECTIONS WHERE recipe_id = "),
+                                     QStringLiteral("DELETE * FROM RECIPE WHERE ID = ")}) {
+        gSQL = statement + number;
+        if (!batch.begun() || ExecuteSQL(gSQL).failed())
+            batch.fail();
+    }
+    if (batch.commit())
+        return true;
+    if (problem)
+        *problem = batch.failure();
+    return false;
+}

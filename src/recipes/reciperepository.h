@@ -20,3 +20,7 @@ bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *pro
 QString UnstorableText(const RecipeData &recipe);
 // Reads a stored recipe; a missing one reads as empty fields and no lines.
 RecipeData LoadRecipe(qint32 id);
+// Deletes the recipe with its lines, all or nothing. False when it was not deleted; problem
+// (when given) then says why in the household's words, or is empty after a failure that the
+// database has already reported.
+bool DeleteRecipe(qint32 id, QString *problem = nullptr);

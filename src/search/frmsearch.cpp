@@ -9,6 +9,7 @@
 #include "core/ui/guard.h"
 #include "core/platform/modini.h"
 #include "core/ui/msgbox.h"
+#include "recipes/reciperepository.h"
 #include "core/ui/periphery.h"
 #include "core/platform/platform.h"
 #include "settings/frmsettings.h"
@@ -86,10 +87,7 @@ frmSearch::frmSearch(QWidget *parent) : QDialog(parent)
 
 frmSearch::~frmSearch()
 {
-    if (m_loaded && !m_unloaded) {
-        m_unloaded = true;
-        SubWindowClosed();
-    }
+    m_life.unload();
 }
 
 void frmSearch::buildLayout()
@@ -189,17 +187,15 @@ void frmSearch::buildLayout()
 
 bool frmSearch::event(QEvent *event)
 {
-    if (event->type() == QEvent::Show && !m_loaded)
+    if (event->type() == QEvent::Show && !m_life.loaded())
         Guarded([this] { Form_Load(); });
     return QDialog::event(event);
 }
 
 void frmSearch::Form_Load()
 {
-    if (m_loaded)
+    if (!m_life.load())
         return;
-    m_loaded = true;
-    SubWindowOpened();
     FillRecipeTypes(cboRecipeType);
     cboRecipeType->setCurrentText(gRecipeType);
     LoadIniList(cboRating, QStringLiteral("Rating"));
@@ -389,14 +385,9 @@ QList<QTreeWidgetItem *> frmSearch::selectedInListOrder() const
     return selected;
 }
 
-bool frmSearch::selectionMode() const
-{
-    return cmdEdit->isHidden();
-}
-
 void frmSearch::lvwRecipes_DblClick()
 {
-    if (selectionMode())
+    if (m_mode == Mode::Choose)
         cmdClose_Click();
     else if (gSettings.RecipeView)
         cmdView_Click();
@@ -447,12 +438,11 @@ void frmSearch::cmdDelete_Click()
                        QStringLiteral("' from the Pantrio?"),
                    Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
             continue;
-        const QString id = QString::number(item->text(0).toInt());
-        for (const QString &statement : {QStringLiteral("DELETE * FROM INGREDIENTS WHERE recipe_id = "),
-                                         QStringLiteral("DELETE * FROM DIRECTIONS WHERE recipe_id = "),
-                                         QStringLiteral("DELETE * FROM RECIPE WHERE ID = ")}) {
-            gSQL = statement + id;
-            ExecuteSQL(gSQL);
+        if (QString problem; !DeleteRecipe(item->text(0).toInt(), &problem)) {
+            // Kept, and still listed: the database said why, or says it now.
+            if (!problem.isEmpty())
+                MsgBox(problem, Msg::Critical, QStringLiteral("Error"));
+            continue;
         }
         positions.append(lvwRecipes->indexOfTopLevelItem(item) + 1);
     }
@@ -466,6 +456,7 @@ void frmSearch::cmdDelete_Click()
 
 void frmSearch::SetSelectionMode()
 {
+    m_mode = Mode::Choose;
     cmdClose->setText(kSelectCaption);
     cmdEdit->hide();
     cmdView->hide();
@@ -474,7 +465,7 @@ void frmSearch::SetSelectionMode()
 
 void frmSearch::cmdClose_Click()
 {
-    if (cmdClose->text() == kCloseCaption) {
+    if (m_mode == Mode::Browse) {
         close();
         return;
     }
@@ -486,10 +477,7 @@ void frmSearch::cmdClose_Click()
 
 void frmSearch::closeEvent(QCloseEvent *event)
 {
-    if (m_loaded && !m_unloaded) {
-        m_unloaded = true;
-        SubWindowClosed();
-    }
+    m_life.unload();
     event->accept();
 }
 

@@ -2,6 +2,7 @@
 // The search window: recipes found by their criteria, then viewed, edited, copied, deleted,
 // or chosen for another window.
 
+#include "core/platform/appstate.h"
 #include <QDialog>
 #include <QStringList>
 
@@ -77,10 +78,12 @@ private:
     void buildLayout();
     void prepareForType();
     QList<QTreeWidgetItem *> selectedInListOrder() const;
-    bool selectionMode() const;
 
-    bool m_loaded = false;
-    bool m_unloaded = false;
+    // Browsing the collection (Close closes), or choosing recipes for another window (the close
+    // button reads Select and hands the selection back).
+    enum class Mode { Browse, Choose };
+    Mode m_mode = Mode::Browse;
+    SubWindowCount m_life;
     bool m_sortedByTitle = true;
     QStringList m_upperTitles; // the titles in list order, upper-cased once for the find
 };

@@ -16,22 +16,12 @@ QString TypeCode(const QString &recipeType)
     return recipeType.left(1);
 }
 
-void SubWindowOpened()
-{
-    gSubWindows = Add16(gSubWindows, 1);
-}
-
-void SubWindowClosed()
-{
-    gSubWindows = Sub16(gSubWindows, 1);
-}
-
 bool SubWindowCount::load()
 {
     if (m_state != State::Fresh)
         return false;
     m_state = State::Open;
-    SubWindowOpened();
+    gSubWindows = Add16(gSubWindows, 1);
     return true;
 }
 
@@ -40,5 +30,5 @@ void SubWindowCount::unload()
     if (m_state != State::Open)
         return;
     m_state = State::Closed;
-    SubWindowClosed();
+    gSubWindows = Sub16(gSubWindows, 1);
 }

@@ -29,9 +29,6 @@ extern AppSettings gSettings;
 QStringList RecipeTypes();
 // The code a recipe type is stored as: its first character ("F", "D", "O").
 QString TypeCode(const QString &recipeType);
-// A working window opened (load) or closed (unload).
-void SubWindowOpened();
-void SubWindowClosed();
 
 // A working window's place in the open-window count: counted from its load until it closes
 // (or is destroyed without closing), once each.
