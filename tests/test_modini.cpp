@@ -1,5 +1,6 @@
 // The settings file: reading and the placement rules of writing.
 
+#include "core/platform/appsettings.h"
 #include "core/platform/modini.h"
 #include "core/platform/platform.h"
 #include "support/testhome.h"
@@ -240,6 +241,33 @@ private Q_SLOTS:
         QCOMPARE(
             ReadBytes(m_ini),
             QStringLiteral("[Category_Food]\n00=\n01=Crème brûlée\n02=Борщ\n[Misc]\nSeek=False\n02=Café\n").toUtf8());
+    }
+
+    // The dialog's settings go into their sections of the shipped file and read back the same;
+    // the lists and the other keys stay as they were.
+    void settingsRoundTripThroughTheShippedFile()
+    {
+        QVERIFY(QFile::copy(ShippedIniPath(), m_ini));
+        QFile::setPermissions(m_ini, QFile::ReadOwner | QFile::WriteOwner);
+        const QStringList categories = GetIniSection(m_ini, "Category_Food");
+        const FileDefaults defaults {"/t.txt", "/p.rtf", "/d.mdb"};
+        AppSettings s = ReadAppSettings(m_ini, defaults);
+        s.BaseFontSize = 14;
+        s.PageNumbers = !s.PageNumbers;
+        s.Transfer = QStringLiteral("/home/x/transfer.txt");
+        s.OnlyNewRecipes = true;
+        WriteAppSettings(m_ini, s);
+        const AppSettings back = ReadAppSettings(m_ini, defaults);
+        QCOMPARE(back.BaseFontSize, 14);
+        QCOMPARE(back.PageNumbers, s.PageNumbers);
+        QCOMPARE(back.Transfer, s.Transfer);
+        QCOMPARE(back.Preview, s.Preview);
+        QCOMPARE(back.OnlyNewRecipes, true);
+        QCOMPARE(GetIniValue(m_ini, "Misc", "OnlyNewRecipes"), QStringLiteral("True"));
+        QCOMPARE(GetIniSection(m_ini, "Category_Food"), categories);
+        // An absent size, or one no printer takes, reads as 9.
+        WriteIniValue(m_ini, "Print_Settings", "BaseFontSize=400");
+        QCOMPARE(ReadAppSettings(m_ini, defaults).BaseFontSize, 9);
     }
 
     void byteOrderMarkIsKept()

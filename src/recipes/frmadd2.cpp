@@ -393,18 +393,7 @@ bool frmAdd2::eventFilter(QObject *watched, QEvent *event)
         auto *focus = static_cast<QFocusEvent *>(event);
         if (focus->reason() == Qt::PopupFocusReason || watched != control)
             break; // the combo box's own line edit; its combo box reports the leaving
-        Guarded([&] {
-            if (control == txtPrepTime)
-                txtPrepTime_LostFocus();
-            else if (control == txtCookTime)
-                txtCookTime_LostFocus();
-            else if (control == cboCategory)
-                cboCategory_LostFocus();
-            else if (control == txtItem)
-                txtItem_LostFocus();
-            else if (control == txtStep)
-                txtStep_LostFocus();
-        });
+        leave(control, false);
         break;
     }
     case QEvent::KeyPress: {
@@ -412,16 +401,7 @@ bool frmAdd2::eventFilter(QObject *watched, QEvent *event)
         if ((key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter) || control == txtNotes || !m_defaultButton)
             break;
         // Enter adds the entry being typed, as if the field had been left first.
-        Guarded([&] {
-            if (control == txtStep)
-                txtStep_LostFocus();
-            else if (control == txtItem)
-                txtItem_LostFocus();
-            else if (control == txtPrepTime)
-                txtPrepTime_LostFocus();
-            else if (control == txtCookTime)
-                txtCookTime_LostFocus();
-        });
+        leave(control, true);
         if (m_defaultButton->isEnabled())
             m_defaultButton->click();
         return true;
@@ -430,6 +410,26 @@ bool frmAdd2::eventFilter(QObject *watched, QEvent *event)
         break;
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void frmAdd2::leave(QWidget *control, bool byEnter)
+{
+    // What leaving a box does; Enter in the category leaves nothing, as it adds no entry.
+    const struct {
+        QWidget *control;
+        void (frmAdd2::*handler)();
+        bool onEnter;
+    } handlers[] = {
+        {txtPrepTime, &frmAdd2::txtPrepTime_LostFocus, true},  {txtCookTime, &frmAdd2::txtCookTime_LostFocus, true},
+        {cboCategory, &frmAdd2::cboCategory_LostFocus, false}, {txtItem, &frmAdd2::txtItem_LostFocus, true},
+        {txtStep, &frmAdd2::txtStep_LostFocus, true},
+    };
+    for (const auto &h : handlers) {
+        if (h.control == control && (h.onEnter || !byEnter)) {
+            Guarded([&] { (this->*h.handler)(); });
+            return;
+        }
+    }
 }
 
 void frmAdd2::setNextStep()

@@ -123,6 +123,8 @@ public Q_SLOTS:
 protected:
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    // Runs the box's leave handler: when it loses the focus, or when Enter is pressed in it.
+    void leave(QWidget *control, bool byEnter);
     void closeEvent(QCloseEvent *event) override;
 
 private:

@@ -1,6 +1,6 @@
 #include "frmsettings.h"
 
-#include "core/platform/appstate.h"
+#include "core/platform/appsettings.h"
 #include "core/ui/controls.h"
 #include "core/db/database.h"
 #include "core/db/datasources.h"
@@ -29,30 +29,11 @@
 
 namespace {
 
-const QString kPrint = QStringLiteral("Print_Settings");
-const QString kFiles = QStringLiteral("Files");
-const QString kMisc = QStringLiteral("Misc");
 const QString kLimitNotice =
     QStringLiteral("You have checked the limit recipe search checkbox.\n\nThis will limit the recipe search to "
                    "return ONLY recipes entered after Vesk was installed.\n\nIf you leave this setting checked "
                    "and have not entered any recipes, the search window will return no recipes!");
 const int kFontSizes[] = {6, 7, 8, 9, 10, 11, 12, 14, 16, 18, 20};
-
-// A switch in the settings file: "True" is on; an empty or unreadable value is off.
-bool readSwitch(const QString &section, const QString &key)
-{
-    const QString value = GetIniValue(IniPath(), section, key).trimmed();
-    if (value.compare(QStringLiteral("True"), Qt::CaseInsensitive) == 0)
-        return true;
-    bool numeric = false;
-    const double number = value.toDouble(&numeric);
-    return numeric && number != 0.0;
-}
-
-QString switchText(bool on)
-{
-    return on ? QStringLiteral("True") : QStringLiteral("False");
-}
 
 QString shippedPath(const char *name)
 {
@@ -267,28 +248,8 @@ void frmSettings::browse(QLineEdit *box, const QString &title, const QString &fi
 
 void frmSettings::Form_Load()
 {
-    AppSettings &s = gSettings;
-    // A missing or unreadable size keeps the printed recipes readable.
-    int fontSize = 0;
-    Guarded([&] { fontSize = int(Val(GetIniValue(IniPath(), kPrint, QStringLiteral("BaseFontSize")))); });
-    s.BaseFontSize = fontSize > 0 && fontSize <= 72 ? fontSize : 9;
-    s.NewPage = readSwitch(kPrint, QStringLiteral("NewPage"));
-    s.BlankLines = readSwitch(kPrint, QStringLiteral("BlankLines"));
-    s.PageNumbers = readSwitch(kPrint, QStringLiteral("PageNumbers"));
-    // An empty file name means the shipped default beside the program.
-    auto fileSetting = [](const QString &key, const QString &fallback) {
-        const QString value = GetIniValue(IniPath(), kFiles, key);
-        return value.isEmpty() ? fallback : value;
-    };
-    s.Transfer = fileSetting(QStringLiteral("Transfer"), DefaultTransferPath());
-    s.Preview = fileSetting(QStringLiteral("Preview"), shippedPath("recipes.rtf"));
-    s.Database = fileSetting(QStringLiteral("Database"), defaultDatabase());
-    s.RecipeView = readSwitch(kMisc, QStringLiteral("RecipeView"));
-    s.Seek = readSwitch(kMisc, QStringLiteral("Seek"));
-    s.SeekAmount = readSwitch(kMisc, QStringLiteral("SeekAmount"));
-    s.StandardAdd = readSwitch(kMisc, QStringLiteral("StandardAdd"));
-    s.OnlyNewRecipes = readSwitch(kMisc, QStringLiteral("OnlyNewRecipes"));
-
+    gSettings = ReadAppSettings(IniPath(), {DefaultTransferPath(), shippedPath("recipes.rtf"), defaultDatabase()});
+    const AppSettings &s = gSettings;
     cboFontSize->setCurrentText(QString::number(s.BaseFontSize));
     chkNewPage->setChecked(s.NewPage);
     chkSpaceBetween->setChecked(s.BlankLines);
@@ -327,20 +288,7 @@ void frmSettings::cmdClose_Click()
         if (chkLimit->isChecked())
             MsgBox(kLimitNotice, Msg::Information, QStringLiteral("Confirmation"));
         readControls();
-        const AppSettings &s = gSettings;
-        const QString ini = IniPath();
-        WriteIniValue(ini, kPrint, QStringLiteral("BaseFontSize=") + QString::number(s.BaseFontSize));
-        WriteIniValue(ini, kPrint, QStringLiteral("NewPage=") + switchText(s.NewPage));
-        WriteIniValue(ini, kPrint, QStringLiteral("BlankLines=") + switchText(s.BlankLines));
-        WriteIniValue(ini, kPrint, QStringLiteral("PageNumbers=") + switchText(s.PageNumbers));
-        WriteIniValue(ini, kFiles, QStringLiteral("Transfer=") + s.Transfer);
-        WriteIniValue(ini, kFiles, QStringLiteral("Preview=") + s.Preview);
-        WriteIniValue(ini, kFiles, QStringLiteral("Database=") + s.Database);
-        WriteIniValue(ini, kMisc, QStringLiteral("RecipeView=") + switchText(s.RecipeView));
-        WriteIniValue(ini, kMisc, QStringLiteral("Seek=") + switchText(s.Seek));
-        WriteIniValue(ini, kMisc, QStringLiteral("SeekAmount=") + switchText(s.SeekAmount));
-        WriteIniValue(ini, kMisc, QStringLiteral("StandardAdd=") + switchText(s.StandardAdd));
-        WriteIniValue(ini, kMisc, QStringLiteral("OnlyNewRecipes=") + switchText(s.OnlyNewRecipes));
+        WriteAppSettings(IniPath(), gSettings);
         accept();
     });
 }
