@@ -11,50 +11,7 @@
 #include <QRandomGenerator>
 #include <QTest>
 
-// The rules of writing as a writer that copies the file line by line and reads it from disk
-// for every key: what the in-memory writer must give, byte for byte (UTF-8, line feeds).
-void copyingWrite(const QString &path, const QString &section, const QString &newLine, bool ordered)
-{
-    const bool isNew = !QFile::exists(path);
-    QStringList lines = ReadFile(path).split(u'\n');
-    if (!lines.isEmpty() && lines.constLast().isEmpty())
-        lines.removeLast();
-    QStringList out;
-    bool written = false;
-    auto keyPart = [](const QString &line) {
-        const qsizetype eq = line.indexOf(u'=');
-        return eq < 0 ? line : line.left(eq + 1);
-    };
-    for (qsizetype i = 0; i < lines.size();) {
-        const QString line = lines[i++];
-        out << line;
-        if (written || !line.startsWith(u'[') || line.mid(1, line.indexOf(u']') - 1) != section)
-            continue;
-        if (i == lines.size()) {
-            out << newLine;
-            written = true;
-        }
-        while (!written && i < lines.size()) {
-            const QString read = lines[i++];
-            const bool atEnd = i == lines.size();
-            const QString part = keyPart(read);
-            const QString mine = newLine.left(part.size());
-            if (read.isEmpty() && !atEnd)
-                out << read;
-            else if (!read.isEmpty() && ordered && part.compare(mine) > 0)
-                out << newLine << read, written = true;
-            else if (!read.isEmpty() && part == mine)
-                out << newLine, written = true;
-            else if (read.startsWith(u'[') || atEnd)
-                out << read << newLine, written = true;
-            else
-                out << read;
-        }
-    }
-    if (!written)
-        out << (isNew ? QStringList() : QStringList {QString()}) << u'[' + section + u']' << newLine;
-    WriteFile(path, (out.join(u'\n') + u'\n').toUtf8());
-}
+#include <unistd.h>
 
 class TestModIni : public QObject
 {
@@ -309,10 +266,10 @@ private Q_SLOTS:
         }
     }
 
-    // Hundreds of random files and writes: the file written once from memory, the file
-    // written key by key, and the copying writer agree byte for byte, line breaks inside
-    // values included.
-    void writingFromMemoryEqualsCopyingKeyByKey()
+    // Hundreds of random files and writes: the file written once from memory and the file
+    // written key by key (whose rules the table above pins down) agree byte for byte, line
+    // breaks inside values included.
+    void writingFromMemoryEqualsWritingKeyByKey()
     {
         const QStringList sections {"A", "B", "1", "ID"};
         const QStringList lines {"",      "[A]",    "[B]",     "[1]", "[ID]",    "k=1",
@@ -321,13 +278,12 @@ private Q_SLOTS:
                                     "Dir1=1 | x", "k=two\nlines", "k=v\n[B]"};
         QRandomGenerator random(7);
         auto pick = [&random](const QStringList &from) { return from[random.bounded(int(from.size()))]; };
-        const QString reference = m_home->path("reference.ini");
         const QString keyByKey = m_home->path("keybykey.ini");
         for (int round = 0; round < 300; ++round) {
             QStringList start;
             for (int n = random.bounded(8); n > 0; --n)
                 start << pick(lines);
-            for (const QString &path : {m_ini, reference, keyByKey}) {
+            for (const QString &path : {m_ini, keyByKey}) {
                 QFile::remove(path);
                 if (round % 5)
                     WriteFile(path, (start.join(u'\n') + u'\n').toUtf8());
@@ -339,16 +295,16 @@ private Q_SLOTS:
                 const bool ordered = random.bounded(4) == 0;
                 file.write(section, line, ordered);
                 WriteIniValue(keyByKey, section, line, ordered);
-                copyingWrite(reference, section, line, ordered);
             }
             file.save();
-            QCOMPARE(ReadFile(m_ini), ReadFile(reference));
-            QCOMPARE(ReadFile(keyByKey), ReadFile(reference));
+            QCOMPARE(ReadFile(m_ini), ReadFile(keyByKey));
         }
     }
 
     void unwritableDirectoryKeepsTheFile()
     {
+        if (::geteuid() == 0)
+            QSKIP("root may write any file: the refusal this waits for cannot happen");
         write("[Misc]\nSeek=True\n");
         const QString dir = m_home->dir();
         QFile::setPermissions(dir, QFile::ReadOwner | QFile::ExeOwner);
@@ -361,11 +317,8 @@ private Q_SLOTS:
         }
         QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         QFile::setPermissions(m_ini, QFile::ReadOwner | QFile::WriteOwner);
-        // As root the permissions do not bite; either way the settings survive intact.
-        if (raised)
-            QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=True\n"));
-        else
-            QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=False\n"));
+        QVERIFY(raised);
+        QCOMPARE(contents(), QStringLiteral("[Misc]\nSeek=True\n"));
     }
 };
 

@@ -62,7 +62,6 @@ private Q_SLOTS:
         frmResize dialog;
         dialog.OrigServings = 4;
         dialog.show();
-        QCOMPARE(dialog.windowTitle(), QStringLiteral("Resize Recipe"));
         QCOMPARE(dialog.focusWidget(), dialog.txtNewServings);
         QVERIFY(dialog.optResize[0]->isChecked());
         QCOMPARE(dialog.Label1[0]->text(), QStringLiteral("New"));

@@ -33,16 +33,13 @@ private Q_SLOTS:
                   "[Print_Settings]\nBaseFontSize=12\nNewPage=False\nBlankLines=True\nPageNumbers=True\n"
                   "[Misc]\nRecipeView=False\nSeek=\nSeekAmount=True\nStandardAdd=True\nOnlyNewRecipes=garbage\n");
         frmSettings dialog;
-        QCOMPARE(dialog.windowTitle(), QStringLiteral("Settings"));
         QCOMPARE(dialog.cboFontSize->currentText(), QStringLiteral("12"));
         QVERIFY(!dialog.chkNewPage->isChecked());
         QVERIFY(dialog.chkPageNumbers->isChecked());
         QCOMPARE(dialog.txtFilename->text(), QStringLiteral("/x/p.pdf"));
         QVERIFY(dialog.optSearch[1]->isChecked()); // Edit/Copy
-        QCOMPARE(dialog.optSearch[1]->text(), QStringLiteral("Edit/Copy the selected recipe"));
         QVERIFY(!dialog.chkSeek->isChecked()); // an empty switch is off
         QVERIFY(dialog.optAdd[0]->isChecked());
-        QCOMPARE(dialog.optAdd[0]->text(), QStringLiteral("Standard Form - all data viewed at once on one screen"));
         QVERIFY(!dialog.chkLimit->isChecked());
 
         const AppSettings &s = gSettings;
@@ -138,7 +135,6 @@ private Q_SLOTS:
         frmMaint w;
         w.show();
         SaveScreenshot(&w, QStringLiteral("frmMaint"));
-        QCOMPARE(w.windowTitle(), QStringLiteral("Maintenance"));
         QCOMPARE(w.cboSection->count(), 10);
         QCOMPARE(w.cboSection->itemText(9), QStringLiteral("Rating"));
         QCOMPARE(w.lvwEntries->topLevelItem(1)->text(0), QStringLiteral("01=Appetizers"));

@@ -312,13 +312,6 @@ private Q_SLOTS:
     {
         frmMain main;
         main.show();
-        QCOMPARE(main.windowTitle(), QStringLiteral("Mirepan"));
-        QCOMPARE(main.cmdAddRecipe->text(), QStringLiteral("&Add"));
-        QCOMPARE(main.cmdSearchRecipe->text(), QStringLiteral("&Search"));
-        QCOMPARE(main.cmdExit->text(), QStringLiteral("&Exit"));
-        QCOMPARE(main.mnuExit->text(), QStringLiteral("E&xit"));
-        QCOMPARE(main.mnuSettings->text(), QStringLiteral("Vesk &Settings"));
-        QCOMPARE(main.mnuDelDup->text(), QStringLiteral("&Clean"));
         QStringList menus;
         for (QAction *a : main.menuBar()->actions())
             menus << a->text();

@@ -350,20 +350,6 @@ private Q_SLOTS:
         ResetTransferFile();
         QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Warning"));
     }
-
-    // A program killed while exporting leaves the file as it was before the export or as it
-    // is after it, never a part of one.
-    void killedExportLeavesAWholeFile()
-    {
-        QRandomGenerator random(11);
-        for (int kill = 0; kill < 40; ++kill) {
-            QVERIFY(KillWhileWriting({QStringLiteral("transfer"), m_file}, random, 30000));
-            const int max = GetIniValue(m_file, QStringLiteral("ID"), QStringLiteral("Max")).toInt();
-            QVERIFY(max > 0 && max % 50 == 0);
-            QCOMPARE(GetIniSection(m_file, QString::number(max)).size(), 10);
-            QVERIFY(!IniFile(m_file).hasSection(QString::number(max + 1)));
-        }
-    }
 };
 
 QTEST_MAIN(TestTransfer)
