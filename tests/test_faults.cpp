@@ -5,6 +5,7 @@
 #include "core/db/database.h"
 #include "core/platform/voice.h"
 #include "cabinet/frmcabinet.h"
+#include "core/ui/frmstatus.h"
 #include "core/ui/voicewindows.h"
 #include "menus/menutree.h"
 #include "recipes/frmadd2.h"
@@ -15,6 +16,9 @@
 #include "transfer/mealmastercommands.h"
 
 #include <QFile>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
 #include <QLineEdit>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -24,6 +28,7 @@
 #include <sqlite3.h>
 
 #include <functional>
+#include <optional>
 
 namespace {
 
@@ -239,6 +244,59 @@ private Q_SLOTS:
         m_boxes->clear();
         editor.cmdSave_Click();
         QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title = 'Rye bread'")), 1);
+    }
+
+    // The progress window closes when its work ends in every nesting the commands make: an
+    // import (with Cancel) that puts the file in order or waits for a lock at its end, cancelled
+    // or not, and a backup that puts it in order on its own. Cancel reaches no guard that is gone.
+    void progressWindowsCloseInEveryNesting_data()
+    {
+        QTest::addColumn<bool>("outerTask");
+        QTest::addColumn<bool>("cancelled");
+        QTest::addColumn<bool>("lockWait");
+        QTest::newRow("import, then put in order") << true << false << false;
+        QTest::newRow("import cancelled, then put in order") << true << true << false;
+        QTest::newRow("import, a wait for a lock at its end") << true << false << true;
+        QTest::newRow("backup, then put in order") << false << false << false;
+    }
+    void progressWindowsCloseInEveryNesting()
+    {
+        QFETCH(bool, outerTask);
+        QFETCH(bool, cancelled);
+        QFETCH(bool, lockWait);
+        QPointer<frmStatus> window;
+        {
+            std::optional<StatusGuard> task;
+            std::optional<StatusCancel> cancel;
+            if (outerTask) {
+                task.emplace(QStringLiteral("Importing recipes..."));
+                cancel.emplace();
+                window = StatusWindow();
+                QVERIFY(window && window->cmdCancel->isVisible());
+                if (cancelled)
+                    QTest::mouseClick(window->cmdCancel, Qt::LeftButton);
+                QCOMPARE(cancel->requested(), cancelled);
+            }
+            {
+                WorkingNotice order(QStringLiteral("Putting the recipe database in order for faster searches..."));
+                if (lockWait)
+                    TheVoice().waiting(QStringLiteral("Waiting..."), 10, 100);
+                QVERIFY(StatusWindow() && StatusWindow()->isVisible());
+                if (!window)
+                    window = StatusWindow();
+                QCOMPARE(StatusWindow(), window.data()); // borrowed, not a second window
+                if (lockWait)
+                    TheVoice().waitEnded();
+            }
+            if (outerTask) {
+                QCOMPARE(StatusWindow(), window.data()); // given back as it was
+                QCOMPARE(window->lblMessage->text(), QStringLiteral("Importing recipes..."));
+                QVERIFY(window->isVisible());
+            }
+        }
+        QCOMPARE(StatusWindow(), nullptr);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(window.isNull()); // closed and gone, Cancel's handler with it
     }
 
     // Another program reading the file holds the commit up: the save waits for it with the

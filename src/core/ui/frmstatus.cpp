@@ -121,9 +121,10 @@ StatusCancel::StatusCancel()
 {
     if (!g_status)
         return;
+    m_window = g_status;
     g_cancellable = true;
     m_block = std::make_unique<UserInputBlock>(g_status);
-    QObject::connect(g_status->cmdCancel, &QPushButton::clicked, g_status, [this] { m_requested = true; });
+    m_clicked = QObject::connect(g_status->cmdCancel, &QPushButton::clicked, g_status, [this] { m_requested = true; });
     g_status->cmdCancel->show();
     g_status->cmdCancel->setFocus();
     g_status->adjustSize();
@@ -132,8 +133,8 @@ StatusCancel::StatusCancel()
 StatusCancel::~StatusCancel()
 {
     g_cancellable = false;
-    if (!g_status)
-        return;
-    g_status->cmdCancel->disconnect();
-    g_status->cmdCancel->hide();
+    // Its own window, whichever is shown now: the click must never reach a guard that is gone.
+    QObject::disconnect(m_clicked);
+    if (m_window)
+        m_window->cmdCancel->hide();
 }

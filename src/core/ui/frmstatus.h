@@ -1,6 +1,7 @@
 #pragma once
 // The progress window shared by the whole program: a message, a bar and its percentage.
 
+#include <QPointer>
 #include <QWidget>
 
 #include <memory>
@@ -62,5 +63,7 @@ public:
 
 private:
     bool m_requested = false;
+    QPointer<frmStatus> m_window;
+    QMetaObject::Connection m_clicked;
     std::unique_ptr<UserInputBlock> m_block;
 };
