@@ -5,6 +5,10 @@
 #include "core/db/database.h"
 #include "core/platform/voice.h"
 #include "cabinet/frmcabinet.h"
+#include "core/db/integrity.h"
+#include "core/platform/appstate.h"
+#include "core/shell/dbupkeep.h"
+#include "core/shell/startup.h"
 #include "core/ui/frmstatus.h"
 #include "core/ui/voicewindows.h"
 #include "menus/menutree.h"
@@ -244,6 +248,50 @@ private Q_SLOTS:
         m_boxes->clear();
         editor.cmdSave_Click();
         QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title = 'Rye bread'")), 1);
+    }
+
+    // 8 kB overwritten in the middle of the file: named at start, nothing saved into it, the good
+    // backup never replaced by it, and a restore brings the household back to saving.
+    void damageIsNamedAndGuardsTheBackup()
+    {
+        for (int n = 0; n < 300; ++n)
+            StoreTestRecipe(TestRecipe(QStringLiteral("Stew %1").arg(n), {"1|cup|Beans|beans", "2|lb|Beef|beef"},
+                                       {QString(400, u's'), QString(400, u't')}));
+        const QString live = m_home->databasePath();
+        const QString backup = m_home->path(QStringLiteral("PANTRIO.BAK"));
+        CloseDatabase();
+        QVERIFY(QFile::copy(live, backup));
+        {
+            QFile file(live);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.seek(file.size() / 2));
+            file.write(QByteArray(8192, '\xab'));
+        }
+        const QByteArray goodBackup = ReadBytes(backup);
+        QVERIFY(OpenDatabase());
+        CheckDatabaseAtStartup();
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Database damaged"));
+        QVERIFY(m_boxes->boxes[0].prompt.startsWith(QStringLiteral("The recipe database ") + live +
+                                                    QStringLiteral(" is damaged (")));
+        QString problem;
+        QVERIFY(!StoreRecipe(TestRecipe(QStringLiteral("Lost soup")), 0, false, &problem));
+        QVERIFY2(problem.startsWith(QStringLiteral("The recipe database is damaged.")), qPrintable(problem));
+
+        m_boxes->clear();
+        gSettings.Database = live;
+        m_boxes->answer(MsgResult::Yes); // make a backup
+        BackupDatabase();
+        QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Database damaged"));
+        QCOMPARE(ReadBytes(backup), goodBackup);
+
+        m_boxes->clear();
+        m_boxes->answer(MsgResult::Yes); // restore
+        RestoreDatabase();
+        QVERIFY(!gNotConnected);
+        QCOMPARE(CheckDatabaseIntegrity(), QString());
+        QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("Saved again")), 0, false));
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), 302);
     }
 
     // The progress window closes when its work ends in every nesting the commands make: an

@@ -1,6 +1,7 @@
 #include "database.h"
 
 #include "core/db/datasources.h"
+#include "core/db/integrity.h"
 #include "core/platform/voice.h"
 #include "core/platform/platform.h"
 #include "core/db/sqldialect.h"
@@ -111,6 +112,7 @@ bool OpenDatabase(OpenFailure *failure)
         return failOpen(failure, OpenFailure::Unusable, describe(source), problem, source.onServer());
     }
     prepareConnection(db);
+    SetKnownDamage({});
     gNotConnected = false;
     return true;
 }
@@ -183,6 +185,14 @@ QString PrepareSQL(QString &sql)
     return out;
 }
 
+namespace {
+
+// A failed statement: an error in the command text passes in silence; inside a batch a failure
+// no statement can help fails the batch once; any other is shown.
+Recordset failed(const QString &prepared, const StatementError &error);
+
+} // namespace
+
 Recordset ExecuteSQL(QString &sql)
 {
     const QString prepared = PrepareSQL(sql);
@@ -192,10 +202,22 @@ Recordset ExecuteSQL(QString &sql)
         return Recordset::failure();
     QSqlDatabase db = gConn();
     StatementError error;
+    if (!KnownDamage().isEmpty() && !prepared.startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive)) {
+        // Nothing is written into a damaged file: it would spread the damage.
+        error = {true, false, StatementError::Damaged, QStringLiteral("11"), KnownDamage()};
+        return failed(prepared, error);
+    }
     const SqlEngine engine = onServer(db) ? SqlEngine::Postgres : SqlEngine::Sqlite;
     Recordset result = RunStatement(db, TranslateJetSql(prepared, engine), &error, g_batchDepth > 0);
     if (!error.failed)
         return result;
+    return failed(prepared, error);
+}
+
+namespace {
+
+Recordset failed(const QString &prepared, const StatementError &error)
+{
     if (!error.commandText) {
         if (error.cause != StatementError::Other && g_batchDepth > 0) {
             if (!g_trouble.failed)
@@ -213,6 +235,8 @@ Recordset ExecuteSQL(QString &sql)
     }
     return Recordset::failure();
 }
+
+} // namespace
 
 Recordset ExecuteSQL(const QString &sql)
 {
@@ -296,6 +320,10 @@ StatementBatch::StatementBatch()
     if (gNotConnected)
         return;
     StatementError error;
+    if (!KnownDamage().isEmpty()) {
+        m_failure = PlainFailure({true, false, StatementError::Damaged, QStringLiteral("11"), KnownDamage()});
+        return;
+    }
     if (g_batchDepth == 0) {
         g_trouble = {};
         // Writers take turns: a batch that numbers a new recipe (the largest id plus one) and

@@ -12,6 +12,7 @@
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
 #include "core/ui/voicewindows.h"
+#include "core/db/integrity.h"
 #include "core/db/schema.h"
 
 #include <QFile>
@@ -130,6 +131,16 @@ void BackupDatabase()
                    QStringLiteral(".\nAre you sure you want to backup the current database?"),
                Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
+    // A damaged database never replaces a backup: that backup may be the last good copy.
+    if (const QString damage = CheckDatabaseIntegrity(); !damage.isEmpty() && FileExists(d + kBackup)) {
+        SetKnownDamage(damage);
+        MsgBox(QStringLiteral("The recipe database ") + d + kLive + QStringLiteral(" is damaged (") + damage +
+                   QStringLiteral(").\n\nThe backup ") + d + kBackup +
+                   QStringLiteral(" was kept as it is: it may be your last good copy. Restore it (Tools, Database, "
+                                  "Restore), or copy it elsewhere before you make a new backup."),
+               Msg::Critical, QStringLiteral("Database damaged"));
+        return;
+    }
     // The old backup is replaced in one step by the new one, not deleted first.
     if (FileExists(d + kBackup) && MsgBox(QStringLiteral("There is already a backup DB.  Do you want to overwrite it?"),
                                           Msg::Question) != MsgResult::Yes)

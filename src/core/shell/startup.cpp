@@ -11,6 +11,7 @@
 #include "core/platform/programdir.h"
 #include "core/ui/shell.h"
 #include "core/db/firststart.h"
+#include "core/db/integrity.h"
 
 #include <QCoreApplication>
 #include <QIcon>
@@ -39,6 +40,19 @@ void reportOpenFailure(const OpenFailure &failure)
 }
 
 } // namespace
+
+void CheckDatabaseAtStartup()
+{
+    const QString damage = CheckDatabaseIntegrity();
+    SetKnownDamage(damage);
+    if (damage.isEmpty())
+        return;
+    MsgBox(QStringLiteral("The recipe database ") + gConn().databaseName() + QStringLiteral(" is damaged (") + damage +
+               QStringLiteral(").\n\nMirepan shows the recipes it can still read but saves nothing into the damaged "
+                              "file, so that the damage does not spread. Restore your last backup (Tools, Database, "
+                              "Restore), or copy the file elsewhere and repair it with a database tool."),
+           Msg::Critical, QStringLiteral("Database damaged"));
+}
 
 void ConnectAtStartup()
 {
@@ -74,6 +88,7 @@ void ConnectAtStartup()
 std::unique_ptr<frmMain> Startup()
 {
     ConnectAtStartup();
+    CheckDatabaseAtStartup();
     gRecipeType = QStringLiteral("Food");
     auto main = std::make_unique<frmMain>();
     main->show();

@@ -12,6 +12,9 @@ class frmMain;
 // gives it eight seconds and tries once more. The program goes on unconnected after a
 // second failure.
 void ConnectAtStartup();
+// Checks that the open database file is whole; a damaged one is named, and nothing is saved
+// into it until it is restored.
+void CheckDatabaseAtStartup();
 // The whole start-up; the returned main window is shown.
 std::unique_ptr<frmMain> Startup();
 
