@@ -87,6 +87,50 @@ private Q_SLOTS:
         QVERIFY(!gNotConnected);
     }
 
+    // The program's own database gone after the household has used it: asked about, never
+    // replaced by an empty one unless the user says so.
+    void missingDatabaseWhereOneWasIsAskedAbout_data()
+    {
+        QTest::addColumn<int>("choice");
+        QTest::addColumn<int>("recipes"); // afterwards, -1 when not connected
+        QTest::addColumn<bool>("setUpAgain");
+        QTest::newRow("locate") << 0 << 1 << false;
+        QTest::newRow("restore the backup") << 1 << 1 << false;
+        QTest::newRow("start new") << 2 << 0 << true;
+        QTest::newRow("run without") << 3 << -1 << false;
+    }
+    void missingDatabaseWhereOneWasIsAskedAbout()
+    {
+        SKIP_ON_SERVER();
+        QFETCH(int, choice);
+        QFETCH(int, recipes);
+        QFETCH(bool, setUpAgain);
+        m_shell->regVesk = RegVeskPath();
+        ConnectAtStartup(); // the first run
+        StoreTestRecipe(TestRecipe(QStringLiteral("Soup")));
+        CloseDatabase();
+        const QString moved = m_home->path("moved.mdb");
+        QVERIFY(QFile::copy(m_home->databasePath(), m_home->path("PANTRIO.BAK")));
+        QVERIFY(QFile::rename(m_home->databasePath(), moved));
+        m_shell->started.clear();
+        m_boxes->clear();
+
+        m_boxes->answerChoice(choice);
+        if (choice == 0)
+            m_boxes->answerFile(moved);
+        ConnectAtStartup();
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Database not found"));
+        QVERIFY(m_boxes->boxes[0].prompt.startsWith(QStringLiteral("The recipe database ") + m_home->databasePath() +
+                                                    QStringLiteral(" is missing.")));
+        QVERIFY(m_boxes->boxes[0].prompt.endsWith(
+            QStringLiteral("[&Locate...] [&Restore the Backup] [Start &New] [Run &Without]")));
+        QCOMPARE(m_shell->started.size(), setUpAgain ? 1 : 0);
+        QCOMPARE(gNotConnected, recipes < 0);
+        if (recipes >= 0)
+            QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), recipes);
+        QCOMPARE(QFile::exists(m_home->databasePath()), choice == 1 || choice == 2);
+    }
+
     void missingDatabaseElsewhereIsNamedNotReplaced()
     {
         // On a drive that is not plugged in: no set-up, no new database, the registration kept.

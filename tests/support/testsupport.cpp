@@ -54,6 +54,16 @@ MsgResult ScriptedResponder::messageBox(const QString &prompt, MsgStyle style, c
     return m_answers.dequeue();
 }
 
+int ScriptedResponder::choice(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice)
+{
+    boxes.append({prompt + QStringLiteral("\n[") + choices.join(QStringLiteral("] [")) + u']', title, Msg::Critical});
+    if (m_choices.isEmpty()) {
+        failures.append(QStringLiteral("unscripted choice: ") + prompt);
+        return safeChoice;
+    }
+    return m_choices.dequeue();
+}
+
 QString ScriptedResponder::inputBox(const QString &prompt, const QString &title, const QString &defaultText)
 {
     Q_UNUSED(title);
@@ -101,7 +111,8 @@ QStringList ScriptedResponder::prompts() const
 
 bool ScriptedResponder::clean() const
 {
-    return failures.isEmpty() && m_answers.isEmpty() && m_inputs.isEmpty() && m_files.isEmpty() && m_modals.isEmpty();
+    return failures.isEmpty() && m_answers.isEmpty() && m_inputs.isEmpty() && m_files.isEmpty() && m_modals.isEmpty() &&
+           m_choices.isEmpty();
 }
 
 QString ScriptedResponder::report() const
@@ -128,6 +139,7 @@ void ScriptedResponder::clear()
     m_answers.clear();
     m_inputs.clear();
     m_files.clear();
+    m_choices.clear();
     fileDialogs.clear();
     m_modals.clear();
     m_waited = 0;

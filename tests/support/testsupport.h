@@ -36,6 +36,7 @@ public:
     void answer(MsgResult result) { m_answers.enqueue(result); }
     void answerInput(const QString &text) { m_inputs.enqueue(text); }
     void answerFile(const QString &path) { m_files.enqueue(path); }
+    void answerChoice(int index) { m_choices.enqueue(index); }
     // What to do with the next modal dialog (fill it, press its buttons); it must hide it.
     void onModal(std::function<void(QDialog *)> handler) { m_modals.enqueue(std::move(handler)); }
     // What the user does during the next wait (clicks, keys).
@@ -45,6 +46,7 @@ public:
     QString inputBox(const QString &prompt, const QString &title, const QString &defaultText) override;
     QString fileName(const QString &title, const QString &current) override;
     void showModal(QDialog *dialog) override;
+    int choice(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice) override;
     void wait(double seconds) override;
 
     QList<RecordedBox> boxes;
@@ -66,6 +68,7 @@ private:
     QQueue<MsgResult> m_answers;
     QQueue<QString> m_inputs;
     QQueue<QString> m_files;
+    QQueue<int> m_choices;
     QQueue<std::function<void(QDialog *)>> m_modals;
     double m_waited = 0;
 };

@@ -12,8 +12,13 @@
 #include "core/ui/shell.h"
 #include "core/db/firststart.h"
 #include "core/db/integrity.h"
+#include "core/db/schema.h"
+#include "core/platform/atomicfile.h"
+#include "core/platform/platform.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
+#include <QLocale>
 #include <QIcon>
 
 namespace {
@@ -37,6 +42,74 @@ void reportOpenFailure(const OpenFailure &failure)
                    failure.reason + after,
                Msg::Critical, QStringLiteral("Error"));
     }
+}
+
+// Whether this household has used a recipe database here before: connected once (the first
+// start records it) or with recipes recorded.
+bool hasRunBefore()
+{
+    return GetIniValue(IniPath(), QStringLiteral("FIRSTRUN"), QStringLiteral("CONDB")) == u"YES" ||
+           Val(GetIniValue(IniPath(), QStringLiteral("Misc"), QStringLiteral("MaxRecipeID"))) > 0;
+}
+
+// The program's own database is gone although the household has used it: never replaced by an
+// empty one without asking. True when the user chose to start a new, empty collection.
+bool askAboutMissingDatabase(const QString &file)
+{
+    const QString backup = JoinPath(DirectoryOf(file), QStringLiteral("PANTRIO.BAK"));
+    const bool hasBackup = QFileInfo(backup).isFile();
+    enum Choice { Locate, Restore, StartNew, RunWithout };
+    QList<Choice> offered {Locate};
+    QStringList captions {QStringLiteral("&Locate...")};
+    if (hasBackup) {
+        offered << Restore;
+        captions << QStringLiteral("&Restore the Backup");
+    }
+    offered << StartNew << RunWithout;
+    captions << QStringLiteral("Start &New") << QStringLiteral("Run &Without");
+    QString prompt = QStringLiteral("The recipe database ") + file +
+                     QStringLiteral(" is missing.\n\nMirepan has kept your recipes there before, so it does not put "
+                                    "an empty database in its place without asking. Locate the file if it was moved");
+    if (hasBackup)
+        prompt += QStringLiteral(", restore the backup ") + backup + QStringLiteral(" (") +
+                  QLocale().toString(QFileInfo(backup).lastModified(), QLocale::ShortFormat) + u')';
+    prompt += QStringLiteral(", or start a new, empty collection. Run Without leaves everything as it is; Mirepan "
+                             "then runs without its database.");
+    const Choice choice = offered.value(
+        ChooseAction(prompt, QStringLiteral("Database not found"), captions, int(offered.size()) - 1), RunWithout);
+    switch (choice) {
+    case Locate: {
+        const QString found =
+            AskFileName(QStringLiteral("Locate the Recipe Database"), DirectoryOf(file),
+                        QStringLiteral("Recipe database (*.MDB *.mdb);;All files (*)"), FileUse::Open);
+        if (found.isEmpty())
+            return false;
+        if (const QString problem = RecipeDatabaseProblem(found); !problem.isEmpty()) {
+            MsgBox(QStringLiteral("The file ") + found + QStringLiteral(" cannot be used: ") + problem +
+                       QStringLiteral(".\n\nMirepan runs without its database."),
+                   Msg::Critical, QStringLiteral("Error"));
+            return false;
+        }
+        DataSource source = FindDataSource(kDataSourceName);
+        source.database = found;
+        RegisterDataSource(source);
+        OpenDatabase();
+        return false;
+    }
+    case Restore:
+        Guarded([&] {
+            CopyFileOver(backup, file);
+            OpenDatabase();
+            MsgBox(QStringLiteral("Database restored from: ") + backup, Msg::Information,
+                   QStringLiteral("Confirmation"));
+        });
+        return false;
+    case StartNew:
+        return true;
+    case RunWithout:
+        break;
+    }
+    return false;
 }
 
 } // namespace
@@ -66,6 +139,8 @@ void ConnectAtStartup()
         reportOpenFailure(failure);
         return;
     }
+    if (failure.kind == OpenFailure::Missing && hasRunBefore() && !askAboutMissingDatabase(failure.file))
+        return;
 
     StartProgramMinimised(JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("reg_vesk")),
                           {QStringLiteral("/s")});

@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QThread>
 
 namespace {
@@ -72,6 +73,22 @@ MsgResult MsgBox(const QString &prompt, MsgStyle style, const QString &title)
     default:
         return MsgResult::Ok;
     }
+}
+
+int ChooseAction(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice)
+{
+    const QString caption = title.isEmpty() ? ProgramTitle() : title;
+    if (g_responder)
+        return g_responder->choice(prompt, caption, choices, safeChoice);
+    QMessageBox box(QMessageBox::Critical, caption, prompt, QMessageBox::NoButton, QApplication::activeWindow());
+    QList<QAbstractButton *> buttons;
+    for (const QString &text : choices)
+        buttons.append(box.addButton(text, QMessageBox::ActionRole));
+    box.setDefaultButton(static_cast<QPushButton *>(buttons.value(safeChoice)));
+    box.setEscapeButton(buttons.value(safeChoice));
+    box.exec();
+    const qsizetype pressed = buttons.indexOf(box.clickedButton());
+    return pressed < 0 ? safeChoice : int(pressed);
 }
 
 QString InputBox(const QString &prompt, const QString &title, const QString &defaultText)

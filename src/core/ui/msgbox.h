@@ -34,6 +34,9 @@ QString ProgramTitle();
 
 // Shows a message box; an empty title means the program's title.
 MsgResult MsgBox(const QString &prompt, MsgStyle style = Msg::Ok, const QString &title = {});
+// Offers the choices as buttons under a critical message ("&Locate..."); answers the index of
+// the one pressed. The safe choice is the default and what closing the box answers.
+int ChooseAction(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice);
 // Asks for a line of text; returns "" for Cancel.
 QString InputBox(const QString &prompt, const QString &title = {}, const QString &defaultText = {});
 // Asks for a file with the desktop's file dialog, starting at current; filter as Qt writes it
@@ -66,6 +69,14 @@ public:
         return names.isEmpty() ? QStringList() : names.split(u'\n');
     }
     virtual void showModal(QDialog *dialog) = 0;
+    // One answer of ChooseAction: the index of a choice.
+    virtual int choice(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice)
+    {
+        Q_UNUSED(prompt)
+        Q_UNUSED(title)
+        Q_UNUSED(choices)
+        return safeChoice;
+    }
     virtual void wait(double seconds) = 0;
 };
 
