@@ -291,11 +291,15 @@ private Q_SLOTS:
         QTest::newRow("non-Latin") << QStringLiteral("Борщ 牛肉面 crème brûlée");
         QTest::newRow("line breaks") << "first line\nsecond line\n\nthird";
         QTest::newRow("very long") << QString(20000, u'x');
+        QTest::newRow("longer than a box's default") << QString(65536, u'y');
+        QTest::newRow("leading byte-order mark") << QStringLiteral("\uFEFFSoup");
         QTest::newRow("SQL words") << "DELETE * FROM RECIPE; UCASE(x)";
     }
     void awkwardTextRoundTrips()
     {
         QFETCH(QString, text);
+        if (text.startsWith(QChar(0xFEFF)) && !TestServerDir().isEmpty())
+            QSKIP("the server's driver drops a leading U+FEFF as it reads: such a save is refused there, not lost");
         auto e = newEditor();
         e->txtTitle->setText(text.left(500));
         e->txtNotes->setPlainText(text);

@@ -47,6 +47,7 @@ frmAdd2::frmAdd2(QWidget *parent) : QWidget(parent, Qt::Window)
     setWindowTitle(QStringLiteral("Recipe Entry"));
     createControls();
     connectHandlers();
+    AllowAnyLength(this);
 }
 
 frmAdd2::~frmAdd2()

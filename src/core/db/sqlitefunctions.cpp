@@ -1,5 +1,7 @@
 #include "sqlitefunctions.h"
 
+#include "core/platform/platform.h"
+
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QVariant>
@@ -36,7 +38,7 @@ void upper(sqlite3_context *context, int argc, sqlite3_value **argv)
             c = char(c - 'a' + 'A');
     }
     if (!ascii) {
-        const QByteArray utf8 = QString::fromUtf8(text, bytes).toUpper().toUtf8();
+        const QByteArray utf8 = FromStoredUtf8(text, bytes).toUpper().toUtf8();
         sqlite3_result_text(context, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
         return;
     }
@@ -148,7 +150,7 @@ bool isAscii(const unsigned char *text, int bytes)
 
 std::u16string foldUnicode(const unsigned char *text, int bytes)
 {
-    const QString upper = QString::fromUtf8(reinterpret_cast<const char *>(text), bytes).toUpper();
+    const QString upper = FromStoredUtf8(reinterpret_cast<const char *>(text), bytes).toUpper();
     return std::u16string(reinterpret_cast<const char16_t *>(upper.constData()), size_t(upper.size()));
 }
 

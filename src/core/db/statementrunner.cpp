@@ -1,5 +1,7 @@
 #include "statementrunner.h"
 
+#include "core/platform/platform.h"
+
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -137,8 +139,8 @@ public:
             return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_statement, index)),
                               sqlite3_column_bytes(m_statement, index));
         default:
-            return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_statement, index)),
-                                     sqlite3_column_bytes(m_statement, index));
+            return FromStoredUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_statement, index)),
+                                  sqlite3_column_bytes(m_statement, index));
         }
     }
     qint64 integer(int index) const override
@@ -151,8 +153,8 @@ public:
     {
         if (sqlite3_column_type(m_statement, index) != SQLITE_TEXT)
             return RecordSource::text(index);
-        return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_statement, index)),
-                                 sqlite3_column_bytes(m_statement, index));
+        return FromStoredUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_statement, index)),
+                              sqlite3_column_bytes(m_statement, index));
     }
     int indexOf(const QString &column) const override
     {

@@ -233,3 +233,10 @@ QString Format(qint64 value, const QString &pattern)
     // A run of zeros: at least that many digits.
     return sign + QString::number(magnitude).rightJustified(pattern.size(), u'0');
 }
+
+QString FromStoredUtf8(const char *data, qsizetype size)
+{
+    if (size >= 3 && data[0] == '\xEF' && data[1] == '\xBB' && data[2] == '\xBF')
+        return QChar(0xFEFF) + QString::fromUtf8(data + 3, size - 3);
+    return QString::fromUtf8(data, size);
+}

@@ -52,6 +52,9 @@ qint16 Mul16(qint16 a, qint16 b);
 // The text without the spaces at either end (tabs and line breaks stay, as the platform's
 // Trim leaves them).
 QString Trim(const QString &text);
+// Text stored as UTF-8 (a database field): a leading U+FEFF is part of the text, not a
+// byte-order mark to drop as QString::fromUtf8 does.
+QString FromStoredUtf8(const char *data, qsizetype size);
 
 // Number formats used by the program: "00" (at least two digits), "0000000" (seven digits),
 // and "00:00" (hours and minutes from the last two digits: 130 gives 01:30, 12345 123:45).

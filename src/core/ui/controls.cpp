@@ -1,5 +1,7 @@
 #include "controls.h"
 
+#include <limits>
+
 #include "core/platform/appstate.h"
 #include "core/platform/modini.h"
 #include "core/platform/programdir.h"
@@ -118,4 +120,10 @@ QString NormaliseTimeText(const QString &text)
 void LoadIniList(QComboBox *combo, const QString &section)
 {
     combo->addItems(IniListValues(IniPath(), section));
+}
+
+void AllowAnyLength(QWidget *window)
+{
+    for (QLineEdit *box : window->findChildren<QLineEdit *>())
+        box->setMaxLength(std::numeric_limits<int>::max());
 }

@@ -69,3 +69,6 @@ public:
 QString NormaliseTimeText(const QString &text);
 // Fills a combo box with the display values of a list section.
 void LoadIniList(QComboBox *combo, const QString &section);
+// Lets every single-line box of the window take a text of any length, as the database's
+// columns do: a long text pasted into a box would otherwise be cut at 32,767 characters.
+void AllowAnyLength(QWidget *window);
