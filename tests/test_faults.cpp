@@ -294,6 +294,34 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), 302);
     }
 
+    // A file that may not be written to is named at start; a save says why it could not be
+    // kept, and an import of nothing leaves its file unmarked.
+    void aReadOnlyDatabaseIsNamed()
+    {
+        CloseDatabase();
+        SetFaultReadOnly(true);
+        QVERIFY(OpenDatabase());
+        SetFaultReadOnly(false);
+        CheckDatabaseAtStartup();
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Database read-only"));
+        QString problem;
+        QVERIFY(!StoreRecipe(TestRecipe(QStringLiteral("Pea soup")), 0, false, &problem));
+        QVERIFY2(problem.startsWith(QStringLiteral("The recipe database is read-only.")), qPrintable(problem));
+
+        m_boxes->clear();
+        const QString file = m_home->path(QStringLiteral("transfer.txt"));
+        WriteFile(file, "[1]\nServings=4\nType=F\nCategory=Soups\nTitle=Pea soup\nPrep=00:10\nCook=00:40\n"
+                        "Notes=\nRating=\n[2]\n");
+        cTransfer transfer;
+        transfer.FileName = file;
+        m_boxes->answer(MsgResult::Yes);
+        transfer.Import();
+        QCOMPARE(m_boxes->boxes.size(), 2); // the question, then why nothing came in
+        QVERIFY(m_boxes->boxes[1].prompt.startsWith(QStringLiteral("No recipes were imported from ")));
+        QVERIFY(!ReadFile(file).contains(QStringLiteral("Flag=True")));
+    }
+
     // The progress window closes when its work ends in every nesting the commands make: an
     // import (with Cancel) that puts the file in order or waits for a lock at its end, cancelled
     // or not, and a backup that puts it in order on its own. Cancel reaches no guard that is gone.

@@ -164,7 +164,9 @@ void cTransfer::Import()
 
     m_leftOut.clear();
     QString notStored;
+    int stored = 0;
     {
+        GatheredFailures failures;
         StatusGuard status {QString()};
         SetStatusMaximum(recipesToImport(file));
         // One commit for the whole file: a commit per recipe would wait for the disk a thousand
@@ -175,16 +177,25 @@ void cTransfer::Import()
                                FileName,
                            m_section - 1);
             const QStringList lines = file.section(QString::number(m_section));
-            RecipeProcess(lines);
+            stored += RecipeProcess(lines) ? 1 : 0;
             if (lines.size() <= 1)
                 break;
         }
         if (!batch.commit())
             notStored = batch.failure();
+        m_leftOut << failures.texts();
     }
     if (!notStored.isEmpty()) {
         // Nothing came in: the file stays as it was, to be imported again.
         MsgBox(QStringLiteral("No recipes were imported from ") + FileName + QStringLiteral(".\n\n") + notStored,
+               Msg::Critical, QStringLiteral("Error"));
+        return;
+    }
+    if (stored == 0 && !m_leftOut.isEmpty()) {
+        // Not one recipe came in: the file is not marked imported, so it can be corrected and
+        // imported again without a warning.
+        MsgBox(QStringLiteral("No recipes were imported from ") + FileName + QStringLiteral(":\n\n") +
+                   MessageList(m_leftOut),
                Msg::Critical, QStringLiteral("Error"));
         return;
     }
@@ -198,14 +209,14 @@ void cTransfer::Import()
                Msg::Information, QStringLiteral("Information"));
 }
 
-void cTransfer::RecipeProcess(const QStringList &lines)
+bool cTransfer::RecipeProcess(const QStringList &lines)
 {
     if (lines.isEmpty() || lines.first().isEmpty())
-        return;
+        return false;
     const QString recipe = QStringLiteral("Recipe ") + QString::number(m_section);
     if (lines.size() < qsizetype(kFields.size())) {
         m_leftOut.append(recipe + QStringLiteral(": it has %1 of the 8 lines a recipe begins with").arg(lines.size()));
-        return;
+        return false;
     }
     // A text with an apostrophe next to a comma or parenthesis would be cut short in the
     // statement; such a text is left out and named rather than stored wrong.
@@ -224,7 +235,7 @@ void cTransfer::RecipeProcess(const QStringList &lines)
         values.append(IniLineValue(lines[i]));
     const QString named = recipe + QStringLiteral(" (") + values[3] + u')';
     if (!carries(named, values))
-        return;
+        return false;
 
     const Recordset max = ExecuteSQL(QStringLiteral("SELECT MAX(ID) FROM RECIPE"));
     const QString id = QString::number(max && !max.eof() ? max.integer(0) + 1 : 1);
@@ -232,7 +243,7 @@ void cTransfer::RecipeProcess(const QStringList &lines)
                    values.join(QStringLiteral("', '")) + QStringLiteral("')"))
             .failed()) {
         m_leftOut.append(named + QStringLiteral(": the database refused it"));
-        return;
+        return false;
     }
 
     qsizetype at = qsizetype(kFields.size());
@@ -260,4 +271,5 @@ void cTransfer::RecipeProcess(const QStringList &lines)
         ExecuteSQL(QStringLiteral("INSERT INTO DIRECTIONS VALUES (") + id + QStringLiteral(", ") + step +
                    QStringLiteral(", '") + direction + QStringLiteral("')"));
     }
+    return true;
 }

@@ -23,8 +23,9 @@ public:
     // Asks, then adds every recipe of the file as a new recipe, section by section from 1 to
     // the first missing one.
     void Import();
-    // Adds the recipe of one section's lines (key=value, in file order).
-    void RecipeProcess(const QStringList &lines);
+    // Adds the recipe of one section's lines (key=value, in file order); true when the recipe
+    // was stored (some of its lines may have been left out).
+    bool RecipeProcess(const QStringList &lines);
     // The n-th field (from 1) of a value split at " | ", without the blanks at its ends; the
     // last field runs to the end of the value; "" past the last field.
     static QString SubItem(const QString &value, int n);

@@ -73,6 +73,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         // One commit for the file: a recipe that fails is rolled back alone (a batch of its own
         // inside this one).
         StatementBatch batch;
+        GatheredFailures failures; // named once in the closing summary, not a box each
         for (int number = 1; batch.begun() && feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
@@ -97,6 +98,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
                 break;
             }
         }
+        result.reasons << failures.texts();
         if (!batch.commit()) {
             // The file's recipes were read but not kept: the count says what is really stored.
             result = before;

@@ -23,6 +23,7 @@ struct Plan {
     int calls[2] = {0, 0};
 };
 Plan g_plan;
+bool g_readOnly = false;
 
 sqlite3_file *real(sqlite3_file *file)
 {
@@ -93,6 +94,8 @@ int shimOpen(sqlite3_vfs *, const char *name, sqlite3_file *file, int flags, int
 {
     auto *shim = reinterpret_cast<ShimFile *>(file);
     shim->real = reinterpret_cast<sqlite3_file *>(shim + 1);
+    if (g_readOnly && (flags & SQLITE_OPEN_MAIN_DB))
+        flags = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) | SQLITE_OPEN_READONLY;
     const int result = g_real->xOpen(g_real, name, shim->real, flags, outFlags);
     // The first methods only: no shared memory or memory map, which the journal in its own
     // file (the program's mode) does not need.
@@ -152,4 +155,9 @@ int FaultCalls(FaultOp op)
 void ResetFaultCounts()
 {
     g_plan.calls[0] = g_plan.calls[1] = 0;
+}
+
+void SetFaultReadOnly(bool readOnly)
+{
+    g_readOnly = readOnly;
 }

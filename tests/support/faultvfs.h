@@ -11,6 +11,8 @@ void InstallFaultVfs();
 // (SQLITE_FULL, SQLITE_IOERR_WRITE...), until disarmed. Counting starts afresh.
 void ArmFault(FaultOp op, int nth, int code);
 void DisarmFault();
+// Database files opened from now on open for reading only, as a file that may not be written to.
+void SetFaultReadOnly(bool readOnly);
 // Calls of the operation since the last ArmFault or ResetFaultCounts, failed ones included.
 int FaultCalls(FaultOp op);
 void ResetFaultCounts();

@@ -29,6 +29,7 @@ int g_batchDepth = 0; // batches open inside one another
 // The first failure inside the open batch that no statement can help (a full disk, a lost
 // server): the batch cannot be kept, and says why once, not once per statement.
 StatementError g_trouble;
+GatheredFailures *g_gathered = nullptr;
 // The server-wide lock the writers of one collection take turns on ("MIRE" in ASCII).
 constexpr qint64 kWriterLock = 0x4d495245;
 // A statement waits briefly for another program's lock; a batch waits up to kLockWaitMs, in
@@ -230,8 +231,11 @@ Recordset failed(const QString &prepared, const StatementError &error)
         const QString detail = error.cause != StatementError::Other ? PlainFailure(error)
                              : prepared.size() > kShown             ? prepared.left(kShown) + QStringLiteral("...")
                                                                     : prepared;
-        TheVoice().report(error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + detail,
-                          QStringLiteral("Database Error"));
+        const QString text = error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + detail;
+        if (g_gathered)
+            g_gathered->add(text);
+        else
+            TheVoice().report(text, QStringLiteral("Database Error"));
     }
     return Recordset::failure();
 }
@@ -405,4 +409,14 @@ void StatementBatch::reportFailure() const
 {
     if (const QString why = failure(); !why.isEmpty())
         TheVoice().report(why, QStringLiteral("Not Saved"));
+}
+
+GatheredFailures::GatheredFailures() : m_outer(g_gathered)
+{
+    g_gathered = this;
+}
+
+GatheredFailures::~GatheredFailures()
+{
+    g_gathered = m_outer;
 }

@@ -91,6 +91,23 @@ private:
     QString m_failure;
 };
 
+// While it lives, the failed statements' messages are gathered here instead of shown a box
+// each: a command that runs thousands (an import) names them once, in its closing summary.
+class GatheredFailures
+{
+public:
+    GatheredFailures();
+    ~GatheredFailures();
+    const QStringList &texts() const { return m_texts; }
+    void add(const QString &text) { m_texts.append(text); }
+    GatheredFailures(const GatheredFailures &) = delete;
+    GatheredFailures &operator=(const GatheredFailures &) = delete;
+
+private:
+    QStringList m_texts;
+    GatheredFailures *m_outer;
+};
+
 // How long a command waits for another program that holds the database, in milliseconds.
 inline constexpr int kLockWaitMs = 10000;
 // The household's words for a failure of the database: the cause, then what it means.

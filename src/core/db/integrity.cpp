@@ -1,6 +1,7 @@
 #include "integrity.h"
 
 #include "database.h"
+#include "statementrunner.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -22,6 +23,12 @@ QString CheckDatabaseIntegrity()
                                                           : check.lastError().databaseText();
     const QString verdict = check.value(0).toString();
     return verdict == u"ok" ? QString() : verdict;
+}
+
+bool DatabaseIsReadOnly()
+{
+    QSqlDatabase db = gConn();
+    return !gNotConnected && ConnectionIsReadOnly(db);
 }
 
 void SetKnownDamage(const QString &damage)

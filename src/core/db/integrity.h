@@ -9,6 +9,9 @@
 // else what it found first. Reads only; about 70 ms for 30,000 recipes. "" on a server, which
 // looks after its own files.
 QString CheckDatabaseIntegrity();
+// Whether the open file database may only be read (the file or its folder may not be written
+// to): the household can still find and print its recipes, but nothing is saved.
+bool DatabaseIsReadOnly();
 // The damage found in the open database; while it is known, nothing is written into it.
 // Opening a database forgets it.
 void SetKnownDamage(const QString &damage);

@@ -647,3 +647,9 @@ Recordset RunStatement(QSqlDatabase &db, const QString &sql, StatementError *err
         return runOnServer(db, sql, insideBatch, error);
     return runOnQt(db, sql, error);
 }
+
+bool ConnectionIsReadOnly(QSqlDatabase &db)
+{
+    sqlite3 *connection = sqliteHandle(db);
+    return connection && sqlite3_db_readonly(connection, "main") == 1;
+}

@@ -26,5 +26,8 @@ bool RunControlStatement(QSqlDatabase &db, const QString &sql, StatementError *e
 // How long a statement on the file database waits for another program's lock before it fails
 // as busy.
 void SetLockWait(QSqlDatabase &db, int milliseconds);
+// Whether the file database was opened for reading only (the file or its folder may not be
+// written to); false on a server.
+bool ConnectionIsReadOnly(QSqlDatabase &db);
 // Lets go of the statements kept for reuse; before the connection closes.
 void ReleaseCachedStatements();

@@ -116,6 +116,13 @@ bool askAboutMissingDatabase(const QString &file)
 
 void CheckDatabaseAtStartup()
 {
+    if (DatabaseIsReadOnly()) {
+        MsgBox(
+            QStringLiteral("The recipe database ") + gConn().databaseName() +
+                QStringLiteral(" is read-only: the file or its folder may not be written to.\n\nMirepan shows your "
+                               "recipes, but nothing you change can be saved until the file may be written to again."),
+            Msg::Critical, QStringLiteral("Database read-only"));
+    }
     const QString damage = CheckDatabaseIntegrity();
     SetKnownDamage(damage);
     if (damage.isEmpty())
