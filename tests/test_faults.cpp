@@ -22,6 +22,9 @@
 #include <QFile>
 #include <QLabel>
 #include <QPointer>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QThread>
 #include <QPushButton>
 #include <QLineEdit>
 #include <QSqlDatabase>
@@ -320,6 +323,29 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->boxes.size(), 2); // the question, then why nothing came in
         QVERIFY(m_boxes->boxes[1].prompt.startsWith(QStringLiteral("No recipes were imported from ")));
         QVERIFY(!ReadFile(file).contains(QStringLiteral("Flag=True")));
+    }
+
+    // Another computer saving recipes is killed at random moments: the file stays whole and
+    // every recipe it holds is whole.
+    void killedSavesLeaveWholeRecipes()
+    {
+        QRandomGenerator random(30);
+        for (int kill = 0; kill < 6; ++kill) {
+            QProcess writer;
+            writer.start(QStringLiteral(MIREPAN_SAVE_LOOP), {QStringLiteral("100000"), QStringLiteral("Killed")});
+            QVERIFY(writer.waitForStarted(10000));
+            QThread::msleep(150 + random.bounded(300));
+            writer.kill();
+            QVERIFY(writer.waitForFinished(10000));
+        }
+        CloseDatabase();
+        QVERIFY(OpenDatabase());
+        QCOMPARE(CheckDatabaseIntegrity(), QString());
+        QVERIFY(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE 'Killed %'")) > 0);
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE title LIKE 'Killed %' AND "
+                                            "((SELECT count(*) FROM INGREDIENTS B WHERE B.recipe_id = A.id) <> 8 OR "
+                                            "(SELECT count(*) FROM DIRECTIONS C WHERE C.recipe_id = A.id) <> 3)")),
+                 0);
     }
 
     // The progress window closes when its work ends in every nesting the commands make: an
