@@ -395,18 +395,25 @@ private Q_SLOTS:
         QCOMPARE(NextId("RECIPE"), 1);
         gMaxRecipeID = 5;
         RecordMaxRecipeID(); // empty table: nothing recorded
-        QCOMPARE(gMaxRecipeID, qint16(0));
+        QCOMPARE(gMaxRecipeID, qint32(0));
         QCOMPARE(GetIniValue(m_home->iniPath(), "Misc", "MaxRecipeID"), QStringLiteral("0")); // as shipped
 
         ExecuteSQL("INSERT INTO RECIPE VALUES (7, '', 'F', '', 'a', '00:00', '00:00', '', '')");
         ExecuteSQL("INSERT INTO RECIPE VALUES (41, '', 'F', '', 'b', '00:00', '00:00', '', '')");
         QCOMPARE(NextId("RECIPE"), 42);
         RecordMaxRecipeID();
-        QCOMPARE(gMaxRecipeID, qint16(41));
+        QCOMPARE(gMaxRecipeID, qint32(41));
         QCOMPARE(GetIniValue(m_home->iniPath(), "Misc", "MaxRecipeID"), QStringLiteral("41"));
         ExecuteSQL("INSERT INTO RECIPE VALUES (50, '', 'F', '', 'c', '00:00', '00:00', '', '')");
         RecordMaxRecipeID(); // recorded once only
-        QCOMPARE(gMaxRecipeID, qint16(41));
+        QCOMPARE(gMaxRecipeID, qint32(41));
+
+        // A collection past 32,767 recipes (a large import, a computer joining a server).
+        WriteIniValue(m_home->iniPath(), "Misc", "MaxRecipeID=0");
+        ExecuteSQL("INSERT INTO RECIPE VALUES (2000000, '', 'F', '', 'd', '00:00', '00:00', '', '')");
+        RecordMaxRecipeID();
+        QCOMPARE(gMaxRecipeID, qint32(2000000));
+        QCOMPARE(NextId("RECIPE"), 2000001);
     }
 
     void failedOpens()

@@ -266,7 +266,7 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->boxes[0].style.buttons, MsgButtons::Ok);
         QVERIFY(gNotConnected);
         QVERIFY(main->isVisible());
-        QCOMPARE(gMaxRecipeID, qint16(0));
+        QCOMPARE(gMaxRecipeID, qint32(0));
         QVERIFY(ReportNotConnected());
         QCOMPARE(
             m_boxes->boxes.last().prompt,
@@ -294,7 +294,7 @@ private Q_SLOTS:
         std::unique_ptr<frmMain> main = Startup();
         QVERIFY(m_shell->started.isEmpty());
         QVERIFY(gSettings.StandardAdd);
-        QCOMPARE(gMaxRecipeID, qint16(12));
+        QCOMPARE(gMaxRecipeID, qint32(12));
         QCOMPARE(GetIniValue(m_home->iniPath(), "Misc", "MaxRecipeID"), QStringLiteral("12"));
         QCOMPARE(main->cboRecipeType->count(), 3);
         QCOMPARE(main->cboRecipeType->currentText(), QStringLiteral("Food"));

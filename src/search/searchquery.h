@@ -15,7 +15,7 @@ struct SearchCriteria {
 struct SearchContext {
     QString recipeType = QStringLiteral("Food");
     bool onlyNewRecipes = false;
-    qint16 maxRecipeId = 0;
+    qint32 maxRecipeId = 0;
 };
 
 // A search criterion made ready for a LIKE pattern: trimmed (the caller's text too), its

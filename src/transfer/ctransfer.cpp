@@ -44,12 +44,12 @@ qint64 lastSection(const IniFile &file)
 int recipesToImport(const IniFile &file)
 {
     try {
-        const qint16 max = CInt(file.value(kIdSection, QStringLiteral("Max")));
+        const qint32 max = CLng(file.value(kIdSection, QStringLiteral("Max")));
         if (max >= 0)
             return max;
     } catch (const PlatformError &) { }
     int count = 0;
-    while (count < 32767 && file.hasSection(QString::number(count + 1)))
+    while (file.hasSection(QString::number(count + 1)))
         ++count;
     return count;
 }

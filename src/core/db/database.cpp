@@ -21,7 +21,7 @@
 Recordset gRS;
 QString gSQL;
 bool gNotConnected = true;
-qint16 gMaxRecipeID = 0;
+qint32 gMaxRecipeID = 0;
 
 namespace {
 

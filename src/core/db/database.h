@@ -18,7 +18,7 @@ QSqlDatabase gConn();
 extern Recordset gRS;
 extern QString gSQL;
 extern bool gNotConnected;
-extern qint16 gMaxRecipeID;
+extern qint32 gMaxRecipeID; // recipe numbers are 32-bit: imports of 100,000 recipes and more
 
 // Why an open failed: nothing registered (the first start), the registered file missing (a
 // drive not plugged in), or a database that cannot be used (damaged, not a recipe database,

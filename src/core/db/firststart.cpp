@@ -8,7 +8,7 @@
 
 void RecordMaxRecipeID()
 {
-    gMaxRecipeID = ToInt16(Val(GetIniValue(IniPath(), QStringLiteral("Misc"), QStringLiteral("MaxRecipeID"))));
+    gMaxRecipeID = ToInt32(Val(GetIniValue(IniPath(), QStringLiteral("Misc"), QStringLiteral("MaxRecipeID"))));
     if (gMaxRecipeID != 0 || gNotConnected)
         return;
     gSQL = QStringLiteral("SELECT MAX(id) FROM RECIPE");
@@ -16,7 +16,7 @@ void RecordMaxRecipeID()
     // An empty table still answers one row, holding NULL: nothing to record then.
     if (!rs || rs.eof() || rs.value(0).isNull())
         return;
-    const qint16 highest = ToInt16(rs.value(0).toDouble());
+    const qint32 highest = ToInt32(rs.value(0).toDouble());
     WriteIniValue(IniPath(), QStringLiteral("Misc"), QStringLiteral("MaxRecipeID=") + QString::number(highest));
     gMaxRecipeID = highest;
 }

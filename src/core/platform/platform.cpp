@@ -180,7 +180,12 @@ qint16 CInt(const QString &text)
 
 qint32 CLng(const QString &text)
 {
-    const double rounded = std::nearbyint(strictNumber(text));
+    return ToInt32(strictNumber(text));
+}
+
+qint32 ToInt32(double value)
+{
+    const double rounded = std::nearbyint(value);
     if (!(rounded >= std::numeric_limits<qint32>::min() && rounded <= std::numeric_limits<qint32>::max()))
         throw PlatformError(PlatformError::Overflow);
     return static_cast<qint32>(rounded);

@@ -36,6 +36,8 @@ double Val(const QString &text);
 
 // Round half to even into a signed 16-bit value; Overflow outside -32768..32767.
 qint16 ToInt16(double value);
+// Round half to even into a signed 32-bit value; Overflow outside its range.
+qint32 ToInt32(double value);
 // The largest whole number not above the value, as a signed 16-bit value (Overflow outside).
 qint16 Floor16(double value);
 // Strict conversion of a text to a 16-bit whole number: the whole text, trimmed, must be a
