@@ -9,6 +9,7 @@
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"
 #include "support/testsupport.h"
+#include "transfer/transfercommands.h"
 
 #include <QCheckBox>
 #include <QDateEdit>
@@ -86,6 +87,27 @@ private Q_SLOTS:
         SetPrintPreviewSink(nullptr);
         m_printed.clear();
         SessionTest::cleanup();
+    }
+
+    // Without a database every database command of the planner, its documents and the transfer
+    // commands say only that, and nothing else happens.
+    void withoutADatabaseEveryCommandSaysSo()
+    {
+        CloseDatabase();
+        frmMenu &menu = openMenu();
+        menu.cmdShop_Click(0);
+        menu.cmdShop_Click(1);
+        menu.cmdPrintAll_Click();
+        menu.cmdAddRecipes_Click();
+        menu.cmdSave_Click();
+        ImportTransfer();
+        ExportTransfer();
+        const QString notice =
+            QStringLiteral("Because you were not able to connect to the database, this function has been disabled.");
+        QCOMPARE(m_boxes->prompts(), QStringList(8, notice));
+        for (const RecordedBox &box : m_boxes->boxes)
+            QCOMPARE(box.title, QStringLiteral("Message"));
+        m_boxes->clear();
     }
 
     void emptyTableLoadsTheRoot()

@@ -45,13 +45,6 @@ QList<qint32> BuildAvailableRecipeList(const QString &recipeType)
     return available;
 }
 
-bool CabinetIsEmpty(const QString &recipeType)
-{
-    gSQL = QStringLiteral("SELECT count(*) FROM CABINET WHERE type = '") + recipeType.left(1) + u'\'';
-    const Recordset rs = ExecuteSQL(gSQL);
-    return rs && !rs.eof() && rs.integer(0) == 0;
-}
-
 bool IsRecipeAvailable(const QList<qint32> &list, qint32 id)
 {
     // The list is in identifier order: a binary search answers what a scan would.

@@ -8,7 +8,5 @@
 // ascending identifier order. An ingredient whose cabinet name has no cabinet item of the
 // type takes no part.
 QList<qint32> BuildAvailableRecipeList(const QString &recipeType);
-// True when the cabinet of the recipe type holds no item.
-bool CabinetIsEmpty(const QString &recipeType);
 // True when the identifier is in the list (kept in identifier order).
 bool IsRecipeAvailable(const QList<qint32> &list, qint32 id);

@@ -2,6 +2,7 @@
 
 #include "shoppinglist.h"
 
+#include "core/ui/voicewindows.h"
 #include "core/platform/appstate.h"
 #include "core/ui/controls.h"
 #include "core/db/database.h"
@@ -165,6 +166,8 @@ void frmMenu::Form_Load()
 {
     if (!m_life.load())
         return;
+    if (ReportNotConnected())
+        return;
     const QStringList leftOut = LoadMenu(m_tree);
     m_nextNode = NextNodeNumber(m_tree);
     m_changed = false;
@@ -254,6 +257,8 @@ void frmMenu::cmdMealAdd_Click()
 
 void frmMenu::cmdAddRecipes_Click()
 {
+    if (ReportNotConnected())
+        return;
     QTreeWidgetItem *node = selected();
     if (!node)
         node = m_tree.find(kRootKey);
@@ -350,6 +355,8 @@ void frmMenu::cmdExpand_Click(int index)
 
 void frmMenu::cmdShop_Click(int index)
 {
+    if (ReportNotConnected())
+        return;
     const QTreeWidgetItem *node = startNode();
     if (!node)
         return;
@@ -370,6 +377,8 @@ void frmMenu::cmdPrintAll_Click()
 
 void frmMenu::cmdSave_Click()
 {
+    if (ReportNotConnected())
+        return;
     // A text the statements would cut short is named before anything is written.
     for (const QTreeWidgetItem *node : m_tree.nodes())
         if (DelimiterApostropheIn(node->text(0)) >= 0 || DelimiterApostropheIn(MenuTree::keyOf(node)) >= 0) {

@@ -1,5 +1,6 @@
 #include "shoppinglist.h"
 
+#include "core/ui/voicewindows.h"
 #include "core/platform/appstate.h"
 #include "core/ui/controls.h"
 #include "core/db/database.h"
@@ -71,6 +72,8 @@ bool SameMeasure(const QString &a, const QString &b)
 
 void ShowShoppingList(const QString &nodeText, const QStringList &ids)
 {
+    if (ReportNotConnected())
+        return;
     RecipePrinter printer;
     {
         WaitCursor busy;
@@ -106,6 +109,8 @@ void ShowShoppingList(const QString &nodeText, const QStringList &ids)
 
 void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
 {
+    if (ReportNotConnected())
+        return;
     RecipePrinter printer;
     {
         WaitCursor busy;

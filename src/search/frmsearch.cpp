@@ -280,20 +280,8 @@ void frmSearch::cmdSearch_Click()
         WaitCursor busy;
         const bool cabinetOnly = chkCabinet->isChecked();
         QList<qint32> available;
-        if (cabinetOnly) {
-            // An empty cabinet would list nothing without a word.
-            if (CabinetIsEmpty(gRecipeType)) {
-                lblResults->setText(QStringLiteral("Results"));
-                MsgBox(
-                    QStringLiteral("The ") + gRecipeType +
-                        QStringLiteral(" cabinet is empty, so no recipe can be made from it yet.\n\nOpen the Cabinet "
-                                       "and tick what you have at home (Tools > Cabinet Tools > Refresh fills it "
-                                       "with the ingredients of your recipes), then search again."),
-                    Msg::Information, QStringLiteral("Information"));
-                return;
-            }
+        if (cabinetOnly) // an empty cabinet makes nothing: the list stays empty, "Results: 0"
             available = BuildAvailableRecipeList(gRecipeType);
-        }
 
         SearchCriteria criteria;
         criteria.title = txtTitle->text();

@@ -7,6 +7,7 @@
 #include "core/ui/frmstatus.h"
 #include "core/platform/modini.h"
 #include "core/ui/msgbox.h"
+#include "core/ui/voicewindows.h"
 #include "core/platform/platform.h"
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"
@@ -30,6 +31,8 @@ QString decodeLine(QByteArray line)
 
 void ExportTransfer()
 {
+    if (ReportNotConnected())
+        return;
     cTransfer transfer;
     if (GetIniValue(transfer.FileName, QStringLiteral("Imported"), QStringLiteral("Flag")) == QLatin1String("True"))
         MsgBox(QStringLiteral("Some or all of these recipes have already been imported.  It is recommended to reset "
@@ -45,6 +48,8 @@ void ExportTransfer()
 
 void ImportTransfer()
 {
+    if (ReportNotConnected())
+        return;
     cTransfer transfer;
     transfer.Import();
 }
