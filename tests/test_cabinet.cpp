@@ -248,6 +248,7 @@ private Q_SLOTS:
     {
         storeRecipe(1, "Food", {"1|cup|Salt|salt", "1|cup|Onion, chopped|onion"});
         storeRecipe(2, "Drink", {"1|cup|Lime juice|lime", "1|cup|Salt|salt"});
+        ExecuteSQL(QStringLiteral("INSERT INTO INGREDIENTS VALUES (2, 3, '1', 'cup', 'Water', '')")); // no name
         addItem("Salt", "F", true);
         m_boxes->answer(MsgResult::Yes);
         RefreshCabinet();
@@ -255,7 +256,7 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->boxes.last().style.icon, MsgIcon::Information);
         QCOMPARE(m_boxes->boxes.size(), 2); // no failure box for the pair already there
         QCOMPARE(cabinet("F"), (QStringList {"onion", "Salt*"}));
-        QCOMPARE(cabinet("D"), (QStringList {"lime", "salt"}));
+        QCOMPARE(cabinet("D"), (QStringList {"", "lime", "salt"}));
     }
 
     void repairProposesStemsAndRenamesEveryRow()

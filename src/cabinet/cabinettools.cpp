@@ -128,8 +128,8 @@ void RefreshCabinet()
                 for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {
                     const QString cabinet = rs.text(0);
                     const QString type = rs.text(1);
-                    // An empty name (a line brought in without one) is no pantry item.
-                    if (!cabinet.isEmpty() && !present.contains(cabinet.toUpper() + u'\n' + type.toUpper())) {
+                    // Every name the recipes use, the empty one of a line brought in without one too.
+                    if (!present.contains(cabinet.toUpper() + u'\n' + type.toUpper())) {
                         present.insert(cabinet.toUpper() + u'\n' + type.toUpper());
                         missing.append({cabinet, type});
                     }
