@@ -65,7 +65,8 @@ private Q_SLOTS:
         QCOMPARE(ReadBytes(file("PANTRIO.BAK")), backup);
         QVERIFY(!gNotConnected);
 
-        // Restoring keeps the replaced database as PANTRIO.OLD, twice over.
+        // Restoring keeps the replaced database as PANTRIO.OLD, and the one replaced before it.
+        QByteArray before;
         for (int round = 0; round < 2; ++round) {
             const QByteArray live = ReadBytes(file("PANTRIO.MDB"));
             m_boxes->clear();
@@ -76,6 +77,9 @@ private Q_SLOTS:
             QCOMPARE(m_boxes->boxes.last().title, QStringLiteral("Confirmation"));
             QCOMPARE(ReadBytes(file("PANTRIO.MDB")), backup);
             QCOMPARE(ReadBytes(file("PANTRIO.OLD")), live);
+            if (round == 1)
+                QCOMPARE(ReadBytes(file("PANTRIO.1.OLD")), before);
+            before = live;
             QVERIFY(!gNotConnected);
             QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 1);
         }

@@ -97,9 +97,10 @@ void CleanCabinet()
                     const Recordset used = ExecuteSQL(gSQL);
                     if (used.failed()) {
                         passedOver.append(item); // not asked about: whether it is used is not known
-                    } else if (used.eof() && MsgBox(QStringLiteral("Would you like to remove ") + item +
-                                                        QStringLiteral(" from the cabinet?"),
-                                                    Msg::Question, QStringLiteral("Confirmation")) == MsgResult::Yes) {
+                    } else if (used.eof() &&
+                               MsgBox(QStringLiteral("Would you like to remove ") + item +
+                                          QStringLiteral(" from the cabinet?"),
+                                      Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) == MsgResult::Yes) {
                         gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + item + u'\'';
                         ExecuteSQL(gSQL);
                     }
@@ -185,7 +186,8 @@ void RepairCabinet()
                         const QString question = QStringLiteral("Change the following?\n\nIngredient: ") + ingredient +
                                                  QStringLiteral("\nCurrently in cabinet as: ") + cabinet +
                                                  QStringLiteral("\nNew cabinet suggestion: ") + stem;
-                        if (MsgBox(question, Msg::Question, QStringLiteral("Confirmation")) == MsgResult::Yes) {
+                        if (MsgBox(question, Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) ==
+                            MsgResult::Yes) {
                             gSQL = QStringLiteral("UPDATE INGREDIENTS SET cabinet = '") + stem +
                                    QStringLiteral("' WHERE ingredient = '") + ingredient + u'\'';
                             if (ExecuteSQL(gSQL).failed())

@@ -214,7 +214,7 @@ void frmCabinet::cmdAdd_Click()
 
 void frmCabinet::cmdDelete_Click()
 {
-    if (MsgBox(kDeleteQuestion, Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+    if (MsgBox(kDeleteQuestion, Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     QTreeWidgetItem *selected = lvwCabinet->currentItem();
     if (!selected || !selected->isSelected()) {
@@ -294,7 +294,7 @@ void frmCabinet::cmdClose_Click()
 
 void frmCabinet::closeEvent(QCloseEvent *event)
 {
-    if (m_changed && MsgBox(kCloseQuestion, Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes) {
+    if (m_changed && MsgBox(kCloseQuestion, Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes) {
         event->ignore();
         return;
     }

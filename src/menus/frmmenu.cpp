@@ -294,18 +294,18 @@ void frmMenu::cmdDelete_Click()
     if (key == kRootKey) {
         if (MsgBox(QStringLiteral("Are you sure you want to remove the entry for ") + text +
                        QStringLiteral(" (including all sub nodes)?"),
-                   Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+                   Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
             return;
         m_tree.remove(node);
         addRoot();
     } else if (node->childCount() == 0) {
-        if (MsgBox(QStringLiteral("Are you sure you want to remove the entry for ") + text + u'?', Msg::Question,
-                   QStringLiteral("Confirmation")) != MsgResult::Yes)
+        if (MsgBox(QStringLiteral("Are you sure you want to remove the entry for ") + text + u'?',
+                   Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
             return;
         m_tree.remove(node);
     } else {
-        if (MsgBox(QStringLiteral("Are you sure you want to remove all sub entries for ") + text + u'?', Msg::Question,
-                   QStringLiteral("Confirmation")) != MsgResult::Yes)
+        if (MsgBox(QStringLiteral("Are you sure you want to remove all sub entries for ") + text + u'?',
+                   Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
             return;
         // The group or day is emptied, not removed: a second Delete removes it.
         while (node->childCount() > 0)
@@ -412,7 +412,7 @@ void frmMenu::cmdClose_Click()
 
 void frmMenu::closeEvent(QCloseEvent *event)
 {
-    if (m_changed && MsgBox(kCloseQuestion, Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes) {
+    if (m_changed && MsgBox(kCloseQuestion, Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes) {
         event->ignore();
         return;
     }

@@ -78,7 +78,7 @@ void frmAdd2::cmdDirRemove_Click()
         MsgBox(QStringLiteral("There are no items to remove!"), Msg::Ok, QStringLiteral("Message"));
         return;
     }
-    if (MsgBox(QStringLiteral("Are you sure you want to remove this item?"), Msg::Question,
+    if (MsgBox(QStringLiteral("Are you sure you want to remove this item?"), Msg::QuestionDefaultNo,
                QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     delete lvwDirections->currentItem();

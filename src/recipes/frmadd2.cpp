@@ -289,7 +289,7 @@ void frmAdd2::cboCategory_LostFocus()
 
 void frmAdd2::cmdClear_Click()
 {
-    if (MsgBox(kEraseQuestion, Msg::Question, kConfirmation) != MsgResult::Yes)
+    if (MsgBox(kEraseQuestion, Msg::QuestionDefaultNo, kConfirmation) != MsgResult::Yes)
         return;
     ResetForm();
     if (TabbedView)
@@ -299,7 +299,7 @@ void frmAdd2::cmdClear_Click()
 
 void frmAdd2::cmdClose_Click()
 {
-    if (RecipeChange && MsgBox(kCloseQuestion, Msg::Question, kConfirmation) != MsgResult::Yes)
+    if (RecipeChange && MsgBox(kCloseQuestion, Msg::QuestionDefaultNo, kConfirmation) != MsgResult::Yes)
         return;
     close();
 }

@@ -90,7 +90,7 @@ void frmAdd2::cmdIngRemove_Click()
         MsgBox(kNothingToRemove, Msg::Ok, QStringLiteral("Message"));
         return;
     }
-    if (MsgBox(kRemoveQuestion, Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+    if (MsgBox(kRemoveQuestion, Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     delete lvwIngredients->currentItem();
     renumber(lvwIngredients);

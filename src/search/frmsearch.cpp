@@ -424,7 +424,7 @@ void frmSearch::cmdDelete_Click()
     for (QTreeWidgetItem *item : selected) {
         if (MsgBox(QStringLiteral("Are you sure you want to permanently delete '") + item->text(1) +
                        QStringLiteral("' from the Pantrio?"),
-                   Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+                   Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
             continue;
         if (QString problem; !DeleteRecipe(item->text(0).toInt(), &problem)) {
             // Kept, and still listed: the database said why, or says it now.

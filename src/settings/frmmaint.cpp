@@ -126,7 +126,7 @@ void frmMaint::cmdDelete_Click()
         return;
     }
     if (MsgBox(QStringLiteral("Are you sure you want to remove the entry: ") + order + u'=' + txtData[1]->text() + u'?',
-               Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+               Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     DeleteIniKey(IniPath(), cboSection->currentText(), order);
     cboSection_Click();

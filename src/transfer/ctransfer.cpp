@@ -159,7 +159,7 @@ void cTransfer::Import()
     if (file.value(kImportedSection, QStringLiteral("Flag")) == QLatin1String("True") &&
         MsgBox(FileName + QStringLiteral(" has already been imported at least once.  Would you like to import it "
                                          "again?"),
-               Msg::Question, QStringLiteral("Continue")) != MsgResult::Yes)
+               Msg::QuestionDefaultNo, QStringLiteral("Continue")) != MsgResult::Yes)
         return;
 
     m_leftOut.clear();

@@ -87,8 +87,8 @@ void ResetTransferFile()
                Msg::Ok, QStringLiteral("Warning"));
         return;
     }
-    if (MsgBox(QStringLiteral("Delete the file: ") + fileName + u'?', Msg::Question, QStringLiteral("Confirmation")) !=
-        MsgResult::Yes)
+    if (MsgBox(QStringLiteral("Delete the file: ") + fileName + u'?', Msg::QuestionDefaultNo,
+               QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     if (!QFile::remove(fileName))
         MsgBox(QStringLiteral("There was an error deleting ") + fileName +

@@ -143,7 +143,7 @@ void BackupDatabase()
     }
     // The old backup is replaced in one step by the new one, not deleted first.
     if (FileExists(d + kBackup) && MsgBox(QStringLiteral("There is already a backup DB.  Do you want to overwrite it?"),
-                                          Msg::Question) != MsgResult::Yes)
+                                          Msg::QuestionDefaultNo) != MsgResult::Yes)
         return;
     try {
         StatusGuard status(
@@ -180,7 +180,7 @@ void RestoreDatabase()
                 QStringLiteral(" with the archived copy (PANTRIO.BAK) made when you last backed up your database.  It "
                                "will also copy your current database to ") +
                 d + kOld + QStringLiteral(".\nAre you sure you want to recover from the backup database?"),
-            Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+            Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     // A backup that is no recipe database would leave the household with nothing to open.
     if (const QString problem = RecipeDatabaseProblem(d + kBackup); !problem.isEmpty()) {
@@ -197,8 +197,18 @@ void RestoreDatabase()
         Wait(1);
         // The live database stays in place until the backup replaces it in one step: a
         // program killed on the way leaves the old database or the restored one.
-        if (FileExists(d + kLive))
+        if (FileExists(d + kLive)) {
+            // Every database replaced before is kept until the household removes it: the last
+            // PANTRIO.OLD moves to the next free PANTRIO.<n>.OLD.
+            if (FileExists(d + kOld)) {
+                int n = 1;
+                while (FileExists(d + QStringLiteral("PANTRIO.%1.OLD").arg(n)))
+                    ++n;
+                if (!QFile::rename(d + kOld, d + QStringLiteral("PANTRIO.%1.OLD").arg(n)))
+                    throw PlatformError(PlatformError::FileAccess);
+            }
             CopyFileOver(d + kLive, d + kOld);
+        }
         Wait(1);
         CopyFileOver(d + kBackup, d + kLive);
         Wait(1);
@@ -215,7 +225,7 @@ void ResetRatings()
     if (MsgBox(QStringLiteral(
                    "This will reset all recipe ratings to the default setting of 'Not Rated', which is denoted by "
                    "having no rank.\nWould you like to proceed?"),
-               Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+               Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
     if (ReportNotConnected())
         return;
