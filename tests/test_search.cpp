@@ -258,6 +258,7 @@ private Q_SLOTS:
         s->cmdDelete_Click();
         QCOMPARE(m_boxes->prompts().first(),
                  QStringLiteral("Are you sure you want to permanently delete 'A one' from the Pantrio?"));
+        QVERIFY(m_boxes->boxes.first().style.defaultNo);
         QCOMPARE(listed(*s), QStringList {QStringLiteral("B two")});
         QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 1"));
         const Recordset rs = ExecuteSQL("SELECT count(*) FROM RECIPE");

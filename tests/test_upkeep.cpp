@@ -231,6 +231,7 @@ private Q_SLOTS:
         m_boxes->answer(MsgResult::No);
         ResetRatings();
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE rating = ''"), 0);
+        QVERIFY(m_boxes->boxes.last().style.defaultNo); // one Enter wipes nothing
         m_boxes->answer(MsgResult::Yes);
         ResetRatings();
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE rating = ''"), 2);
