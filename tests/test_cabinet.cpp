@@ -138,6 +138,24 @@ private Q_SLOTS:
         QCOMPARE(gSubWindows, qint16(0));
     }
 
+    // Two computers on one collection: each save writes only the ticks changed in its own
+    // window, so neither undoes the other's.
+    void aSaveWritesOnlyTheTicksChangedHere()
+    {
+        for (const char *item : {"a", "b", "c"})
+            addItem(item, "F");
+        frmCabinet w;
+        w.show();
+        ExecuteSQL(QStringLiteral("UPDATE CABINET SET available = TRUE WHERE item = 'b' AND type = 'F'")); // elsewhere
+        w.lvwCabinet->topLevelItem(0)->setCheckState(0, Qt::Checked); // a, here
+        w.cmdSave_Click();
+        QCOMPARE(cabinet("F"), (QStringList {"a*", "b*", "c"}));
+        ExecuteSQL(QStringLiteral("UPDATE CABINET SET available = TRUE WHERE item = 'c' AND type = 'F'"));
+        w.cmdSave_Click(); // nothing changed here since: nothing written
+        QCOMPARE(cabinet("F"), (QStringList {"a*", "b*", "c*"}));
+        w.close();
+    }
+
     void tickButtons()
     {
         for (const char *item : {"a", "b", "c", "d"})

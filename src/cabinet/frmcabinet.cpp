@@ -25,6 +25,10 @@
 
 namespace {
 
+// The tick as the database holds it, beside the tick the user sees.
+constexpr int kStoredTick = Qt::UserRole + 1;
+
+
 const QString kAddPrompt = QStringLiteral("What item do you wish to add to the Cabinet?");
 const QString kDeleteQuestion = QStringLiteral("Are you sure you want to remove this item from the Cabinet?");
 const QString kCloseQuestion =
@@ -147,6 +151,7 @@ void frmCabinet::LoadList()
         auto *item = new QTreeWidgetItem({rs.text(QStringLiteral("item"))});
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
         item->setCheckState(0, rs.value(QStringLiteral("available")).toLongLong() != 0 ? Qt::Checked : Qt::Unchecked);
+        item->setData(0, kStoredTick, item->checkState(0));
         items.append(item);
     }
     lvwCabinet->addTopLevelItems(items);
@@ -242,19 +247,29 @@ void frmCabinet::cmdSave_Click()
             batch.reportFailure();
             return;
         }
+        QList<QTreeWidgetItem *> written;
         for (int i = 0; i < lvwCabinet->topLevelItemCount(); ++i) {
-            const QTreeWidgetItem *item = lvwCabinet->topLevelItem(i);
+            QTreeWidgetItem *item = lvwCabinet->topLevelItem(i);
+            // Only the ticks changed here are written: another computer's ticks of the other items
+            // stay as it saved them.
+            if (item->data(0, kStoredTick).toInt() == item->checkState(0))
+                continue;
+            written.append(item);
             gSQL = QStringLiteral("UPDATE CABINET SET available = ") +
                    (item->checkState(0) == Qt::Checked ? QStringLiteral("True") : QStringLiteral("False")) +
                    QStringLiteral(" WHERE item = '") + item->text(0) + QStringLiteral("' AND type = '") + typeCode() +
                    u'\'';
-            if (ExecuteSQL(gSQL).failed())
+            if (ExecuteSQL(gSQL).failed()) {
                 notSaved.append(item->text(0));
+                written.removeLast();
+            }
         }
         if (!batch.commit()) {
             batch.reportFailure();
             return; // the ticks stay as the user set them, still to be saved
         }
+        for (QTreeWidgetItem *item : std::as_const(written))
+            item->setData(0, kStoredTick, item->checkState(0));
     }
     m_changed = false;
     if (!notSaved.isEmpty())
