@@ -110,6 +110,47 @@ private Q_SLOTS:
         m_boxes->clear();
     }
 
+    // Another computer saves its menu while this window is open: the save here asks, and only
+    // the user's choice throws anything away.
+    void aMenuChangedElsewhereIsAskedAbout_data()
+    {
+        QTest::addColumn<int>("choice");
+        QTest::addColumn<QString>("stored"); // the group stored afterwards
+        QTest::addColumn<QString>("shown"); // the group the window shows afterwards
+        QTest::newRow("reload") << 0 << "Their week"
+                                << "Their week";
+        QTest::newRow("keep mine") << 1 << "My week"
+                                   << "My week";
+        QTest::newRow("cancel") << 2 << "Their week"
+                                << "My week";
+    }
+    void aMenuChangedElsewhereIsAskedAbout()
+    {
+        QFETCH(int, choice);
+        QFETCH(QString, stored);
+        QFETCH(QString, shown);
+        frmMenu &menu = openMenu();
+        // Elsewhere: the same empty menu, a group added and saved.
+        {
+            QTreeWidget view;
+            MenuTree theirs(&view);
+            LoadMenu(theirs);
+            theirs.add(QStringLiteral("Root"), QStringLiteral("Title: 1"), QStringLiteral("Their week"));
+            QVERIFY(SaveMenu(theirs).saved());
+        }
+        m_boxes->answerInput(QStringLiteral("My week"));
+        menu.cmdNewGroup_Click();
+        m_boxes->answerChoice(choice);
+        menu.cmdSave_Click();
+        QVERIFY(m_boxes->prompts().join(u'\n').contains(QStringLiteral("Another computer has saved the menus")));
+        QTreeWidget view;
+        MenuTree now(&view);
+        LoadMenu(now);
+        QCOMPARE(shape(now).last(), QStringLiteral("Root > Title: 1 = ") + stored);
+        QCOMPARE(shape(menu.tree()).last(), QStringLiteral("Root > Title: 1 = ") + shown);
+        m_boxes->clear();
+    }
+
     void emptyTableLoadsTheRoot()
     {
         frmMenu &menu = openMenu();

@@ -28,7 +28,6 @@ namespace {
 // The tick as the database holds it, beside the tick the user sees.
 constexpr int kStoredTick = Qt::UserRole + 1;
 
-
 const QString kAddPrompt = QStringLiteral("What item do you wish to add to the Cabinet?");
 const QString kDeleteQuestion = QStringLiteral("Are you sure you want to remove this item from the Cabinet?");
 const QString kCloseQuestion =

@@ -168,7 +168,12 @@ void frmMenu::Form_Load()
         return;
     if (ReportNotConnected())
         return;
-    const QStringList leftOut = LoadMenu(m_tree);
+    loadStoredMenu();
+}
+
+void frmMenu::loadStoredMenu()
+{
+    const QStringList leftOut = LoadMenu(m_tree, &m_storedMenu);
     m_nextNode = NextNodeNumber(m_tree);
     m_changed = false;
     if (!leftOut.isEmpty())
@@ -388,7 +393,28 @@ void frmMenu::cmdSave_Click()
                    Msg::Critical, QStringLiteral("Error Saving Menu"));
             return;
         }
-    const MenuSaveResult saved = SaveMenu(m_tree);
+    MenuSaveResult saved = SaveMenu(m_tree, m_storedMenu);
+    if (saved.changedElsewhere) {
+        // Another computer saved the menus since this window loaded them: nothing of either is
+        // thrown away unless the user says which.
+        enum { Reload, KeepMine, Cancel };
+        switch (ChooseAction(QStringLiteral("Another computer has saved the menus and Recipe Groups since this window "
+                                            "loaded them.\n\nReload shows theirs and drops your changes here; Keep "
+                                            "Mine saves yours over theirs; Cancel changes nothing, so that you can "
+                                            "compare first."),
+                             QStringLiteral("Menus Changed"),
+                             {QStringLiteral("&Reload"), QStringLiteral("&Keep Mine"), QStringLiteral("Cancel")},
+                             Cancel)) {
+        case Reload:
+            loadStoredMenu();
+            return;
+        case KeepMine:
+            saved = SaveMenu(m_tree);
+            break;
+        default:
+            return;
+        }
+    }
     if (saved.failedNode) {
         MsgBox(QStringLiteral("There was an error trying to save ") + saved.failedNode->text(0) +
                    QStringLiteral(".  This is most likely the result of putting too many levels of sub recipes under "
@@ -401,6 +427,7 @@ void frmMenu::cmdSave_Click()
         return;
     }
     m_changed = false;
+    m_storedMenu = saved.fingerprint;
     MsgBox(QStringLiteral("The Menus and Recipe Groups have been saved!"), Msg::Information,
            QStringLiteral("Confirmation"));
 }

@@ -69,8 +69,11 @@ private:
     QTreeWidgetItem *startNode() const;
     void addMeals(const QString &dayKey);
     QTreeWidgetItem *addRoot();
+    // Loads the stored menu into the tree, naming entries that could not be placed.
+    void loadStoredMenu();
 
     MenuTree m_tree;
+    QByteArray m_storedMenu; // the fingerprint of the stored menu this tree was loaded from
     qint32 m_nextNode = 1;
     bool m_changed = false;
     SubWindowCount m_life;

@@ -1,5 +1,7 @@
 #include "menutree.h"
 
+#include <QCryptographicHash>
+
 #include "core/db/database.h"
 #include "core/platform/platform.h"
 
@@ -97,10 +99,23 @@ void MenuTree::clear()
     m_order.clear();
 }
 
-QStringList LoadMenu(MenuTree &tree)
+namespace {
+
+void addToFingerprint(QCryptographicHash &hash, const Recordset &rs, int parent, int key, int text)
+{
+    for (const QString &field : {rs.text(parent), rs.text(key), rs.text(text)}) {
+        hash.addData(field.toUtf8());
+        hash.addData(QByteArrayView("\0", 1));
+    }
+}
+
+} // namespace
+
+QStringList LoadMenu(MenuTree &tree, QByteArray *fingerprint)
 {
     tree.clear();
     QStringList leftOut;
+    QCryptographicHash hash(QCryptographicHash::Sha256);
     Recordset rs = ExecuteSQL(QStringLiteral("SELECT * FROM MENU ORDER BY ID"));
     if (!rs || rs.eof()) {
         tree.add(QString(), kRootKey, kRootText);
@@ -108,21 +123,45 @@ QStringList LoadMenu(MenuTree &tree)
         const int parent = rs.columnIndex(QStringLiteral("parent"));
         const int key = rs.columnIndex(QStringLiteral("key"));
         const int text = rs.columnIndex(QStringLiteral("text"));
-        for (; !rs.eof(); rs.MoveNext())
+        for (; !rs.eof(); rs.MoveNext()) {
+            addToFingerprint(hash, rs, parent, key, text);
             if (!tree.add(rs.text(parent), rs.text(key), rs.text(text)))
                 leftOut.append(rs.text(text));
+        }
     }
+    if (fingerprint)
+        *fingerprint = hash.result();
     if (!tree.nodes().isEmpty())
         tree.nodes().first()->setExpanded(true);
     return leftOut;
 }
 
-MenuSaveResult SaveMenu(const MenuTree &tree)
+QByteArray StoredMenuFingerprint()
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    Recordset rs = ExecuteSQL(QStringLiteral("SELECT * FROM MENU ORDER BY ID"));
+    if (rs) {
+        const int parent = rs.columnIndex(QStringLiteral("parent"));
+        const int key = rs.columnIndex(QStringLiteral("key"));
+        const int text = rs.columnIndex(QStringLiteral("text"));
+        for (; !rs.eof(); rs.MoveNext())
+            addToFingerprint(hash, rs, parent, key, text);
+    }
+    return hash.result();
+}
+
+MenuSaveResult SaveMenu(const MenuTree &tree, const QByteArray &loadedFingerprint)
 {
     // The old menu stays until the whole new one is stored.
     StatementBatch batch;
     if (!batch.begun())
         return {nullptr, batch.failure()};
+    // Compared while this computer holds the writers' turn: no other save can slip in between.
+    if (!loadedFingerprint.isEmpty() && StoredMenuFingerprint() != loadedFingerprint) {
+        MenuSaveResult changed;
+        changed.changedElsewhere = true;
+        return changed;
+    }
     if (ExecuteSQL(QStringLiteral("DELETE * FROM MENU")).failed())
         return {batch.failure().isEmpty() ? tree.nodes().value(0) : nullptr, batch.failure()};
     int n = 0;
@@ -133,9 +172,11 @@ MenuSaveResult SaveMenu(const MenuTree &tree)
         if (ExecuteSQL(sql).failed())
             return {batch.failure().isEmpty() ? node : nullptr, batch.failure()};
     }
+    MenuSaveResult result;
+    result.fingerprint = StoredMenuFingerprint();
     if (!batch.commit())
         return {nullptr, batch.failure()};
-    return {};
+    return result;
 }
 
 qint32 NextNodeNumber(const MenuTree &tree)

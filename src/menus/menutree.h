@@ -49,15 +49,22 @@ private:
 // Loads the stored tree ("SELECT * FROM MENU ORDER BY ID"); an empty table gives the root
 // alone. Rows whose parent is not in the tree (or whose key is taken) are left out and their
 // texts answered.
-QStringList LoadMenu(MenuTree &tree);
+// The stored menu's fingerprint (when asked for) is what a later save compares with, to find
+// another computer's changes.
+QStringList LoadMenu(MenuTree &tree, QByteArray *fingerprint = nullptr);
+// The stored menu's fingerprint as it is now: every row, in order.
+QByteArray StoredMenuFingerprint();
 // What a save of the menu did: nothing is stored unless saved().
 struct MenuSaveResult {
     const QTreeWidgetItem *failedNode = nullptr; // the node whose row the database refused
     QString failure; // why the database could not keep the menu, in the household's words
-    bool saved() const { return !failedNode && failure.isEmpty(); }
+    bool changedElsewhere = false; // the stored menu is no longer the one this tree was loaded from
+    QByteArray fingerprint; // the stored menu's, once saved
+    bool saved() const { return !failedNode && failure.isEmpty() && !changedElsewhere; }
 };
-// Stores the whole tree in its order, all or nothing.
-MenuSaveResult SaveMenu(const MenuTree &tree);
+// Stores the whole tree in its order, all or nothing. With a fingerprint, nothing is written
+// when the stored menu has changed since (another computer saved its menu): changedElsewhere.
+MenuSaveResult SaveMenu(const MenuTree &tree, const QByteArray &loadedFingerprint = {});
 // The number for the next "Title: " or "Day: " key: one more than the largest after "Day:"
 // or "Title:" in any key.
 qint32 NextNodeNumber(const MenuTree &tree);
