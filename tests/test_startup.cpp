@@ -16,6 +16,8 @@
 #include "support/testsupport.h"
 
 #include <QAction>
+#include <QElapsedTimer>
+#include <QTcpServer>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
@@ -202,6 +204,34 @@ private Q_SLOTS:
         QVERIFY(!prompt.contains(QStringLiteral("never-shown")));
         QCOMPARE(FindDataSource(kDataSourceName).password, QStringLiteral("never-shown")); // the entry stays
         QVERIFY(gNotConnected);
+    }
+
+    // A server that takes the connection and never answers: given up after the entry's time,
+    // named like any unreachable server. The entry that holds a password is the user's alone.
+    void aSilentServerIsGivenUp()
+    {
+        QTcpServer silent; // never served: the system accepts the connection, nothing answers
+        QVERIFY(silent.listen(QHostAddress::LocalHost));
+        DataSource server;
+        server.name = kDataSourceName;
+        server.driver = QStringLiteral("QPSQL");
+        server.host = QStringLiteral("127.0.0.1");
+        server.port = silent.serverPort();
+        server.database = QStringLiteral("recipes");
+        server.password = QStringLiteral("secret");
+        server.connectTimeout = 2;
+        RegisterDataSource(server);
+        const QFile::Permissions mode = QFile::permissions(DataSourcesPath());
+        QVERIFY(mode.testFlags(QFile::ReadOwner | QFile::WriteOwner));
+        QCOMPARE(int(mode & 0x0077), 0); // nothing for the group or others
+        QCOMPARE(FindDataSource(kDataSourceName).connectTimeout, 2);
+        QElapsedTimer clock;
+        clock.start();
+        OpenFailure failure;
+        QVERIFY(!OpenDatabase(&failure));
+        QVERIFY2(clock.elapsed() < 15000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(failure.kind, OpenFailure::Unusable);
+        QVERIFY(failure.onServer);
     }
 
     // The set-up utility's way onto a server: the tables made in an empty database, a

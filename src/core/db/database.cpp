@@ -128,7 +128,10 @@ void ConfigureConnection(QSqlDatabase &db, const DataSource &source)
         // sources ($PGUSER, $PGPASSWORD, ~/.pgpass), so they need not be written down here.
         db.setUserName(source.user);
         db.setPassword(source.password);
-        db.setConnectOptions(source.sslMode.isEmpty() ? QString() : QStringLiteral("sslmode=") + source.sslMode);
+        QStringList options {QStringLiteral("connect_timeout=%1").arg(source.connectTimeout)};
+        if (!source.sslMode.isEmpty())
+            options << QStringLiteral("sslmode=") + source.sslMode;
+        db.setConnectOptions(options.join(u';'));
     } else {
         db.setUserName(QStringLiteral("admin"));
         db.setPassword(QStringLiteral("marjoram"));

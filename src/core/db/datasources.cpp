@@ -1,6 +1,7 @@
 #include "datasources.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
@@ -33,6 +34,9 @@ DataSource FindDataSource(const QString &name)
     source.user = registry.value(QStringLiteral("User")).toString();
     source.password = registry.value(QStringLiteral("Password")).toString();
     source.sslMode = registry.value(QStringLiteral("SslMode")).toString();
+    const int timeout = registry.value(QStringLiteral("ConnectTimeout")).toInt(&ok);
+    if (ok && timeout > 0)
+        source.connectTimeout = timeout;
     return source;
 }
 
@@ -55,6 +59,11 @@ void RegisterDataSource(const DataSource &source)
     setIfGiven("User", source.user);
     setIfGiven("Password", source.password);
     setIfGiven("SslMode", source.sslMode);
+    if (source.connectTimeout != DataSource().connectTimeout)
+        registry.setValue(QStringLiteral("ConnectTimeout"), source.connectTimeout);
     registry.endGroup();
     registry.sync();
+    // A password written down is for this user's eyes only.
+    if (!source.password.isEmpty())
+        QFile::setPermissions(DataSourcesPath(), QFile::ReadOwner | QFile::WriteOwner);
 }

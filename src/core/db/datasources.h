@@ -2,8 +2,8 @@
 // The registry of named data sources: "datasources.ini" in the user's configuration directory
 // (or the file named by $MIREPAN_DATASOURCES). Each section is a data source with the keys
 // Driver (QSQLITE unless given) and Database; a source on a server (QPSQL) also has Host,
-// Port and optionally User, Password and SslMode. Left out, the server's own sources (the
-// environment, ~/.pgpass) give the user name and the password.
+// Port and optionally User, Password, SslMode and ConnectTimeout (seconds, 5 unless given). Left out, the server's own
+// sources (the environment, ~/.pgpass) give the user name and the password.
 
 #include <QString>
 
@@ -16,6 +16,9 @@ struct DataSource {
     QString user;
     QString password;
     QString sslMode;
+    // How long connecting to the server may take before it is given up, in seconds: a server
+    // that accepts the connection and never answers must not hold the start without a window.
+    int connectTimeout = 5;
 
     bool onServer() const { return driver == u"QPSQL"; }
     // The server as the household names it; libpq's own default when none is given.
