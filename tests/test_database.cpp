@@ -4,6 +4,7 @@
 #include "core/db/database.h"
 #include "core/platform/modini.h"
 #include "core/db/sqldialect.h"
+#include "recipes/reciperepository.h"
 #include "support/testhome.h"
 
 #include <QDir>
@@ -414,6 +415,36 @@ private Q_SLOTS:
         RecordMaxRecipeID();
         QCOMPARE(gMaxRecipeID, qint32(2000000));
         QCOMPARE(NextId("RECIPE"), 2000001);
+    }
+
+    // The server drops the connection (restarted, or its administrator ended it): the save
+    // in progress is told in plain words, nothing technical, and the next command reconnects.
+    void aDroppedConnectionIsToldAndOpenedAgain()
+    {
+        if (TestServerDir().isEmpty())
+            QSKIP("about a server's connection");
+        m_home->createAndOpenDatabase();
+        QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("Before")), 0, false));
+        {
+            QSqlDatabase admin = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("admin"));
+            ConfigureConnection(admin, TestServerSource(gConn().databaseName()));
+            QVERIFY(admin.open());
+            QSqlQuery end(admin);
+            QVERIFY(end.exec(QStringLiteral("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE "
+                                            "datname = current_database() AND pid <> pg_backend_pid()")));
+            admin.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("admin"));
+        QString problem;
+        QVERIFY(!StoreRecipe(TestRecipe(QStringLiteral("Lost")), 0, false, &problem));
+        QVERIFY2(problem.startsWith(QStringLiteral("The recipe collection on 127.0.0.1 cannot be reached: ")),
+                 qPrintable(problem));
+        QVERIFY(problem.endsWith(QStringLiteral("Your unsaved work stays open; try again when the server is back.")));
+        for (const RecordingVoice::Told &told : m_voice->told)
+            QVERIFY2(!told.text.contains(QStringLiteral("SELECT")) && !told.text.contains(QStringLiteral("INSERT")),
+                     qPrintable(told.text));
+        QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("After")), 0, false));
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), 2);
     }
 
     void failedOpens()

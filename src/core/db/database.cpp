@@ -29,6 +29,8 @@ int g_batchDepth = 0; // batches open inside one another
 // The first failure inside the open batch that no statement can help (a full disk, a lost
 // server): the batch cannot be kept, and says why once, not once per statement.
 StatementError g_trouble;
+// The server dropped the connection: the next command opens it again before it runs.
+bool g_connectionLost = false;
 GatheredFailures *g_gathered = nullptr;
 // The server-wide lock the writers of one collection take turns on ("MIRE" in ASCII).
 constexpr qint64 kWriterLock = 0x4d495245;
@@ -191,6 +193,22 @@ QString PrepareSQL(QString &sql)
 
 namespace {
 
+// Opens a connection the server dropped again, quietly; false when the server is still away.
+bool reconnectIfLost()
+{
+    if (!g_connectionLost || g_batchDepth > 0)
+        return true;
+    QSqlDatabase db = gConn();
+    gRS = Recordset();
+    ReleaseCachedStatements();
+    db.close();
+    if (!db.open())
+        return false;
+    prepareConnection(db);
+    g_connectionLost = false;
+    return true;
+}
+
 // A failed statement: an error in the command text passes in silence; inside a batch a failure
 // no statement can help fails the batch once; any other is shown.
 Recordset failed(const QString &prepared, const StatementError &error);
@@ -204,6 +222,7 @@ Recordset ExecuteSQL(QString &sql)
     // statement would be kept on its own, outside the batch.
     if (g_trouble.failed && g_batchDepth > 0)
         return Recordset::failure();
+    reconnectIfLost();
     QSqlDatabase db = gConn();
     StatementError error;
     if (!KnownDamage().isEmpty() && !prepared.startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive)) {
@@ -215,6 +234,8 @@ Recordset ExecuteSQL(QString &sql)
     Recordset result = RunStatement(db, TranslateJetSql(prepared, engine), &error, g_batchDepth > 0);
     if (!error.failed)
         return result;
+    if (error.cause == StatementError::Unreachable)
+        g_connectionLost = true;
     return failed(prepared, error);
 }
 
@@ -234,7 +255,11 @@ Recordset failed(const QString &prepared, const StatementError &error)
         const QString detail = error.cause != StatementError::Other ? PlainFailure(error)
                              : prepared.size() > kShown             ? prepared.left(kShown) + QStringLiteral("...")
                                                                     : prepared;
-        const QString text = error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + detail;
+        // A server away is told in the household's words alone: there is nothing technical to read.
+        const QString text =
+            error.cause == StatementError::Unreachable
+                ? detail
+                : error.number + QStringLiteral(": ") + error.description + QStringLiteral("\n\n") + detail;
         if (g_gathered)
             g_gathered->add(text);
         else
@@ -313,8 +338,9 @@ QString PlainFailure(const StatementError &error)
         return QStringLiteral("The recipe database is damaged. ") + kNotStored +
                QStringLiteral(" Restore it from a backup (Database, Restore).");
     case StatementError::Unreachable:
-        return QStringLiteral("The recipe collection on its server cannot be reached. ") + kNotStored +
-               QStringLiteral(" Try again when the server is back.");
+        return QStringLiteral("The recipe collection on ") + gConn().hostName() +
+               QStringLiteral(" cannot be reached: ") + error.description.trimmed() +
+               QStringLiteral(". Your unsaved work stays open; try again when the server is back.");
     case StatementError::Other:
         break;
     }
@@ -333,6 +359,7 @@ StatementBatch::StatementBatch()
     }
     if (g_batchDepth == 0) {
         g_trouble = {};
+        reconnectIfLost();
         // Writers take turns: a batch that numbers a new recipe (the largest id plus one) and
         // then stores it cannot meet another writer's recipe under the same number. The file
         // database is claimed for writing at the start (waiting while another program writes),
@@ -349,10 +376,12 @@ StatementBatch::StatementBatch()
         m_savepoint = QStringLiteral("batch") + QString::number(g_batchDepth);
         m_active = runWaiting(QStringLiteral("SAVEPOINT ") + m_savepoint, error);
     }
-    if (m_active)
+    if (m_active) {
         ++g_batchDepth;
-    else
+    } else {
+        g_connectionLost = g_connectionLost || error.cause == StatementError::Unreachable;
         m_failure = PlainFailure(error);
+    }
 }
 
 StatementBatch::~StatementBatch()
@@ -392,6 +421,7 @@ bool StatementBatch::commit()
     const bool kept = m_savepoint.isEmpty() ? runWaiting(QStringLiteral("COMMIT"), error)
                                             : runWaiting(QStringLiteral("RELEASE ") + m_savepoint, error);
     if (!kept) {
+        g_connectionLost = g_connectionLost || error.cause == StatementError::Unreachable;
         m_failure = PlainFailure(error);
         rollBack();
         return false;

@@ -228,8 +228,12 @@ StatementError::Cause sqliteCause(int code)
 StatementError::Cause serverCause(const QSqlError &e)
 {
     const QString state = e.nativeErrorCode();
+    // A connection the server dropped answers without a state, in the client library's words.
+    const QString text = e.databaseText() + e.driverText();
     if (e.type() == QSqlError::ConnectionError || state.startsWith(QLatin1String("08")) ||
-        state.startsWith(QLatin1String("57P")))
+        state.startsWith(QLatin1String("57P")) || text.contains(QLatin1String("server closed the connection")) ||
+        text.contains(QLatin1String("no connection to the server")) ||
+        text.contains(QLatin1String("could not send data to server")))
         return StatementError::Unreachable;
     if (state == u"53100")
         return StatementError::Full;
