@@ -11,9 +11,30 @@
 #include "support/testsupport.h"
 
 #include <QDir>
+#include <QProcess>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTest>
+
+namespace {
+
+struct BackupRun {
+    int exitCode = -1;
+    QString output;
+};
+
+// Runs a command line as the household would type it, in the test's directory.
+BackupRun runShell(const QString &command)
+{
+    QProcess shell;
+    shell.setProcessChannelMode(QProcess::MergedChannels);
+    shell.start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
+    shell.waitForFinished(60000);
+    return {shell.exitStatus() == QProcess::NormalExit ? shell.exitCode() : -1,
+            command + u'\n' + QString::fromLocal8Bit(shell.readAll())};
+}
+
+} // namespace
 
 class TestUpkeep : public SessionTest
 {
@@ -215,13 +236,27 @@ private Q_SLOTS:
             QCOMPARE(box.style.icon, MsgIcon::Information);
             QVERIFY2(box.prompt.startsWith(QLatin1String(what) + QStringLiteral(" applies to a database file")),
                      qPrintable(box.prompt));
-            QVERIFY(box.prompt.contains(QStringLiteral("pg_dump -h %1 -p %2 -Fc -f pantrio.dump %3")
-                                            .arg(source.host)
-                                            .arg(source.port)
-                                            .arg(source.database)));
-            QVERIFY(box.prompt.contains(QStringLiteral("pg_restore -h ")));
+            const ServerBackupCommands commands = BackupCommandsFor(source);
+            QVERIFY(box.prompt.contains(commands.dump));
+            QVERIFY(box.prompt.contains(commands.restore));
         }
         QCOMPARE(QDir(m_home->dir()).entryList(QDir::Files), before); // no file made
+        if (TestServerDir().isEmpty())
+            return;
+        // The commands as written run clean on the test server's collection (citext included),
+        // and the restore brings the recipes back.
+        StoreTestRecipe(TestRecipe(QStringLiteral("Kept soup"), {"1|cup|Peas|peas"}, {"Simmer."}), 1);
+        const BackupRun dump = runShell(BackupCommandsFor(source).dump);
+        QVERIFY2(dump.exitCode == 0, qPrintable(dump.output));
+        ExecuteSQL(QStringLiteral("DELETE * FROM RECIPE WHERE ID = 1"));
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), 0);
+        CloseDatabase(); // the restore replaces the tables under the connection
+        const BackupRun restore = runShell(BackupCommandsFor(source).restore);
+        QVERIFY2(restore.exitCode == 0, qPrintable(restore.output));
+        QVERIFY(OpenDatabase());
+        QCOMPARE(Describe(LoadRecipe(1)),
+                 Describe(TestRecipe(QStringLiteral("Kept soup"), {"1|cup|Peas|peas"}, {"Simmer."})));
+        m_boxes->clear();
     }
 
     void ratingsAreReset()

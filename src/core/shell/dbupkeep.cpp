@@ -92,15 +92,11 @@ bool pointedToServerTools(const QString &what)
     const DataSource source = FindDataSource(kDataSourceName);
     if (!source.onServer())
         return false;
-    const QString host = source.serverName();
-    const QString port = source.port >= 0 ? QStringLiteral(" -p %1").arg(source.port) : QString();
+    const ServerBackupCommands commands = BackupCommandsFor(source);
     MsgBox(QStringLiteral("%1 applies to a database file, and your recipes are kept on the PostgreSQL server %2, "
-                          "in the database %3.\n\nUse the server's own tools instead:\n"
-                          "    pg_dump -h %2%4 -Fc -f pantrio.dump %3\n"
-                          "makes a backup, and\n"
-                          "    pg_restore -h %2%4 --clean -d %3 pantrio.dump\n"
-                          "restores it.")
-               .arg(what, host, source.database, port),
+                          "in the database %3.\n\nUse the server's own tools instead (the password comes from "
+                          "~/.pgpass):\n    %4\nmakes a backup, and\n    %5\nrestores it.")
+               .arg(what, source.serverName(), source.database, commands.dump, commands.restore),
            Msg::Information, what);
     return true;
 }
@@ -113,6 +109,21 @@ void reportFailure(const QString &what, const PlatformError &error)
 }
 
 } // namespace
+
+ServerBackupCommands BackupCommandsFor(const DataSource &source)
+{
+    QString connection = QStringLiteral("-h ") + source.serverName();
+    if (source.port >= 0)
+        connection += QStringLiteral(" -p %1").arg(source.port);
+    if (!source.user.isEmpty())
+        connection += QStringLiteral(" -U ") + source.user;
+    // The recipe tables alone: the text type they use (citext) belongs to the server's
+    // administrator and stays in place, so a restore has nothing to drop that it may not.
+    const QString tables = QStringLiteral("-t recipe -t ingredients -t directions -t cabinet -t menu");
+    return {QStringLiteral("pg_dump %1 -Fc %2 -f pantrio.dump %3").arg(connection, tables, source.database),
+            QStringLiteral("pg_restore %1 --clean --if-exists --no-owner -d %2 pantrio.dump")
+                .arg(connection, source.database)};
+}
 
 void BackupDatabase()
 {
