@@ -370,11 +370,18 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(&e));
         e.tabRecipe->setCurrentIndex(2);
         e.txtDirection->setFocus();
-        // To another program and back: the tab and the field stay.
+        QCoreApplication::processEvents();
+        e.txtDirection->setText(QStringLiteral("Stir the soup"));
+        e.txtDirection->setCursorPosition(4);
+        // To another program and back: the tab, the field and the caret stay, nothing selected,
+        // so a paste goes where the caret was.
         QApplication::setActiveWindow(nullptr);
         QApplication::setActiveWindow(&e);
+        QCoreApplication::processEvents();
         QCOMPARE(e.tabRecipe->currentIndex(), 2);
         QCOMPARE(QApplication::focusWidget(), e.txtDirection);
+        QVERIFY(!e.txtDirection->hasSelectedText());
+        QCOMPARE(e.txtDirection->cursorPosition(), 4);
         // To another Mirepan window and back: the window's activation shows tab 1.
         QApplication::setActiveWindow(&other);
         QApplication::setActiveWindow(&e);

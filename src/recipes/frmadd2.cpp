@@ -368,6 +368,11 @@ bool frmAdd2::eventFilter(QObject *watched, QEvent *event)
 
     switch (event->type()) {
     case QEvent::FocusIn: {
+        // Back from another program (or a box), the caret and selection stay as the user left
+        // them: a paste must not replace a whole text the user never selected.
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason)
+            break;
         // The whole text is selected, after the click that gave the focus has placed the cursor.
         QLineEdit *box = qobject_cast<QLineEdit *>(control);
         if (control == cboAmount || control == cboCabinet)
