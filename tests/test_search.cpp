@@ -280,7 +280,7 @@ private Q_SLOTS:
         store(30, QStringLiteral("Stew"));
         m_boxes->onModal([](QDialog *d) {
             auto *s = static_cast<frmSearch *>(d);
-            QCOMPARE(s->cmdClose->text(), QStringLiteral("&Select"));
+            QCOMPARE(s->cmdClose->text(), QStringLiteral("S&elect"));
             QVERIFY(s->cmdEdit->isHidden() && s->cmdView->isHidden() && s->cmdDelete->isHidden());
             s->cmdSearch_Click();
             selectRows(*s, {0, 2});

@@ -108,7 +108,7 @@ void frmMenu::buildLayout()
     cmdShop[0] = button("cmdShop_0", QStringLiteral("&Shopping List"));
     cmdShop[1] = button("cmdShop_1", QStringLiteral("&Needed Ingredients"));
     cmdPrintAll = button("cmdPrintAll", QStringLiteral("&View/Print"));
-    cmdSave = button("cmdSave", QStringLiteral("&Save"));
+    cmdSave = button("cmdSave", QStringLiteral("S&ave"));
     cmdClose = button("cmdClose", QStringLiteral("&Close"));
     for (int i = 0; i < 4; ++i) {
         lblStep[i] = new QLabel(QStringLiteral("Step: %1").arg(i + 1), this);

@@ -71,19 +71,19 @@ void frmAdd2::createControls()
     cboCabinet = NewEditableCombo(ingredients, "cboCabinet");
     cmdIngAdd = Named(new QPushButton(QStringLiteral("&Add"), ingredients), "cmdIngAdd");
     cmdIngRemove = Named(new QPushButton(QStringLiteral("Re&move"), ingredients), "cmdIngRemove");
-    cmdClearIng = Named(new QPushButton(QStringLiteral("Clear E&ntry"), ingredients), "cmdClearIng");
+    cmdClearIng = Named(new QPushButton(QStringLiteral("Clear Entry"), ingredients), "cmdClearIng");
 
     QFrame *directions = fraRecipe[2];
     lvwDirections = newList(directions, "lvwDirections");
     txtStep = Named(new QLineEdit(directions), "txtStep");
     txtStep->setMaximumWidth(50);
     txtDirection = Named(new QLineEdit(directions), "txtDirection");
-    cmdDirAdd = Named(new QPushButton(QStringLiteral("Add Ste&p"), directions), "cmdDirAdd");
-    cmdDirRemove = Named(new QPushButton(QStringLiteral("Remove S&tep"), directions), "cmdDirRemove");
+    cmdDirAdd = Named(new QPushButton(QStringLiteral("Add Step"), directions), "cmdDirAdd");
+    cmdDirRemove = Named(new QPushButton(QStringLiteral("Remove Step"), directions), "cmdDirRemove");
     cmdClearDir = Named(new QPushButton(QStringLiteral("Clear Te&xt"), directions), "cmdClearDir");
 
     cmdSave = Named(new QPushButton(QStringLiteral("&Save"), this), "cmdSave");
-    cmdSaveAs = Named(new QPushButton(QStringLiteral("Save &As"), this), "cmdSaveAs");
+    cmdSaveAs = Named(new QPushButton(QStringLiteral("Save As"), this), "cmdSaveAs");
     cmdView = Named(new QPushButton(QStringLiteral("&View"), this), "cmdView");
     cmdResize = Named(new QPushButton(QStringLiteral("&Resize Recipe"), this), "cmdResize");
     cmdClear = Named(new QPushButton(QStringLiteral("C&lear"), this), "cmdClear");
@@ -106,7 +106,7 @@ void frmAdd2::createControls()
     form->addRow(buddyLabel(QStringLiteral("Servi&ngs:"), txtServings), txtServings);
     form->addRow(buddyLabel(QStringLiteral("&Prep time:"), txtPrepTime), txtPrepTime);
     form->addRow(buddyLabel(QStringLiteral("Coo&k time:"), txtCookTime), txtCookTime);
-    form->addRow(buddyLabel(QStringLiteral("Rat&ing:"), cboRating), cboRating);
+    form->addRow(buddyLabel(QStringLiteral("Rating:"), cboRating), cboRating);
     form->addRow(buddyLabel(QStringLiteral("Not&es:"), txtNotes), txtNotes);
 
     auto *ingredientLayout = new QGridLayout(ingredients);
@@ -133,7 +133,7 @@ void frmAdd2::createControls()
 
     auto *directionLayout = new QGridLayout(directions);
     directionLayout->addWidget(lvwDirections, 0, 0, 1, 2);
-    directionLayout->addWidget(buddyLabel(QStringLiteral("St&ep"), txtStep), 1, 0);
+    directionLayout->addWidget(buddyLabel(QStringLiteral("Step"), txtStep), 1, 0);
     directionLayout->addWidget(buddyLabel(QStringLiteral("D&irection"), txtDirection), 1, 1);
     directionLayout->addWidget(txtStep, 2, 0);
     directionLayout->addWidget(txtDirection, 2, 1);

@@ -39,7 +39,7 @@ const QString kEntryOrder = QStringLiteral("Recipe Title: Ordered recipes were e
 const QString kOnlyNew =
     QStringLiteral("You have the setting checked off to limit the results to only recipes entered after installation.");
 const QString kCloseCaption = QStringLiteral("&Close");
-const QString kSelectCaption = QStringLiteral("&Select");
+const QString kSelectCaption = QStringLiteral("S&elect");
 
 // Titles sort without regard to case, as the household reads them.
 class RecipeItem : public QTreeWidgetItem
@@ -119,7 +119,7 @@ void frmSearch::buildLayout()
 
     cmdSearch = Named(new QPushButton(QStringLiteral("&Search"), this), "cmdSearch");
     cmdSearch->setDefault(true);
-    cmdClear = Named(new QPushButton(QStringLiteral("Cl&ear"), this), "cmdClear");
+    cmdClear = Named(new QPushButton(QStringLiteral("C&lear"), this), "cmdClear");
     cmdEdit = Named(new QPushButton(QStringLiteral("&Edit/Copy"), this), "cmdEdit");
     cmdView = Named(new QPushButton(QStringLiteral("&View/Print"), this), "cmdView");
     cmdDelete = Named(new QPushButton(QStringLiteral("&Delete"), this), "cmdDelete");
@@ -131,7 +131,7 @@ void frmSearch::buildLayout()
     QMenu *file = menuBar->addMenu(QStringLiteral("&File"));
     mnuClose = file->addAction(QStringLiteral("&Close"));
     mnuClose->setObjectName(QStringLiteral("mnuClose"));
-    QMenu *tools = menuBar->addMenu(QStringLiteral("&Tools"));
+    QMenu *tools = menuBar->addMenu(QStringLiteral("T&ools"));
     mnuSettings = tools->addAction(QStringLiteral("&Settings"));
     mnuSettings->setObjectName(QStringLiteral("mnuSettings"));
     QMenu *help = menuBar->addMenu(QStringLiteral("&Help"));
@@ -159,7 +159,7 @@ void frmSearch::buildLayout()
     left->addStretch();
 
     auto *findRow = new QHBoxLayout;
-    auto *findLabel = new QLabel(QStringLiteral("&Find:"), this);
+    auto *findLabel = new QLabel(QStringLiteral("Fi&nd:"), this);
     findLabel->setBuddy(txtFind);
     findRow->addWidget(findLabel);
     findRow->addWidget(txtFind, 1);

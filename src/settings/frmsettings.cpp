@@ -109,7 +109,7 @@ void frmSettings::buildLayout()
     {
         auto *layout = new QVBoxLayout(fraPrint);
         auto *sizeRow = new QHBoxLayout;
-        auto *sizeLabel = new QLabel(QStringLiteral("Base font &size of the printed recipes (points):"), fraPrint);
+        auto *sizeLabel = new QLabel(QStringLiteral("Base font si&ze of the printed recipes (points):"), fraPrint);
         sizeLabel->setBuddy(cboFontSize);
         sizeRow->addWidget(sizeLabel);
         sizeRow->addWidget(cboFontSize);

@@ -130,7 +130,7 @@ void frmMain::buildMenus()
     mnuDatabase->setObjectName(QStringLiteral("mnuDatabase"));
     mnuBackupDB = action(mnuDatabase, "mnuBackupDB", QStringLiteral("&Backup"));
     mnuRestore = action(mnuDatabase, "mnuRestore", QStringLiteral("&Restore"));
-    mnuReset = action(mnuDatabase, "mnuReset", QStringLiteral("&Reset Ratings"));
+    mnuReset = action(mnuDatabase, "mnuReset", QStringLiteral("Reset Ra&tings"));
     QMenu *mnuSettings1 = mnuTools->addMenu(QStringLiteral("&Settings"));
     mnuSettings1->setObjectName(QStringLiteral("mnuSettings1"));
     mnuSettings = action(mnuSettings1, "mnuSettings", QStringLiteral("Vesk &Settings"));
