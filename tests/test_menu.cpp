@@ -162,11 +162,11 @@ private Q_SLOTS:
     void planAWeekSaveAndLoadItBack()
     {
         const qint32 soup = storeRecipe(QStringLiteral("Soup"), {"1|cup|onion"});
-        storeRecipe(QStringLiteral("No lines"), {});
+        const qint32 noLines = storeRecipe(QStringLiteral("No lines"), {});
         frmMenu &menu = openMenu();
         m_boxes->answerInput(QStringLiteral("  Week 1 "));
         menu.cmdNewGroup_Click();
-        select(QStringLiteral("Title: 1"));
+        QCOMPARE(MenuTree::keyOf(menu.tvMenu->currentItem()), QStringLiteral("Title: 1")); // selected, ready for dates
         menu.dtDate->setDate(QDate(2026, 11, 22)); // a Sunday
         menu.cmdSelectDate_Click();
         menu.dtDate->setDate(QDate(2026, 11, 23));
@@ -174,28 +174,42 @@ private Q_SLOTS:
         menu.chkMeal[0]->setChecked(true);
         menu.chkMeal[2]->setChecked(true);
         select(QStringLiteral("Root"));
-        menu.cmdMealAdd_Click(); // to every day
+        m_boxes->answer(MsgResult::Yes); // to every day below, after asking
+        menu.cmdMealAdd_Click();
         select(QStringLiteral("Day: 2, Meal: B"));
         chooseAll();
         menu.cmdAddRecipes_Click(); // the recipe without lines is passed over
         chooseAll();
         menu.cmdAddRecipes_Click(); // already there: passed over
-        const QString date = QLocale().toString(QDate(2026, 11, 22), QLocale::ShortFormat);
-        const QStringList planned {
-            " > Root = All Menus",
-            "Root > Title: 1 = Week 1",
-            "Title: 1 > Day: 2 = " + date + " - Sunday",
-            "Title: 1 > Day: 3 = " + QLocale().toString(QDate(2026, 11, 23), QLocale::ShortFormat) + " - Monday",
-            "Day: 2 > Day: 2, Meal: B = Breakfast",
-            "Day: 2 > Day: 2, Meal: D = Dinner",
-            "Day: 3 > Day: 3, Meal: B = Breakfast",
-            "Day: 3 > Day: 3, Meal: D = Dinner",
-            "Day: 2, Meal: B > Day: 2, Meal: B, ID: " + SevenDigits(soup) + " = Soup"};
+        // The household's date order, the year in full.
+        QString format = QLocale().dateFormat(QLocale::ShortFormat);
+        if (!format.contains(QLatin1String("yyyy")))
+            format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+        const QString date = QLocale().toString(QDate(2026, 11, 22), format);
+        QVERIFY(date.contains(QStringLiteral("2026")));
+        const QStringList planned {" > Root = All Menus",
+                                   "Root > Title: 1 = Week 1",
+                                   "Title: 1 > Day: 2 = " + date + " - Sunday",
+                                   "Title: 1 > Day: 3 = " + QLocale().toString(QDate(2026, 11, 23), format) +
+                                       " - Monday",
+                                   "Day: 2 > Day: 2, Meal: B = Breakfast",
+                                   "Day: 2 > Day: 2, Meal: D = Dinner",
+                                   "Day: 3 > Day: 3, Meal: B = Breakfast",
+                                   "Day: 3 > Day: 3, Meal: D = Dinner",
+                                   "Day: 2, Meal: B > Day: 2, Meal: B, ID: " + SevenDigits(soup) + " = Soup"};
         QCOMPARE(shape(menu.tree()), planned);
         QVERIFY(menu.dataChanged());
         menu.cmdSave_Click();
         QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The Menus and Recipe Groups have been saved!"));
         QVERIFY(!menu.dataChanged());
+        // Adding what is there already changes nothing, so closing asks nothing; what cannot be
+        // added is named.
+        select(QStringLiteral("Day: 2, Meal: B"));
+        chooseAll();
+        menu.cmdAddRecipes_Click();
+        QVERIFY(!menu.dataChanged());
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("These recipes were not added:\n\nRecipe ") +
+                                                SevenDigits(noLines) + QStringLiteral(": it has no ingredient lines"));
 
         frmMenu &again = openMenu();
         QCOMPARE(shape(again.tree()), planned);

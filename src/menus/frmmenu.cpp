@@ -207,8 +207,10 @@ void frmMenu::cmdNewGroup_Click()
     const QString title = Trim(InputBox(QStringLiteral("Please enter a title for the new Recipe Group")));
     if (title.isEmpty())
         return;
-    if (QTreeWidgetItem *group = m_tree.add(kRootKey, QStringLiteral("Title: ") + QString::number(m_nextNode), title))
+    if (QTreeWidgetItem *group = m_tree.add(kRootKey, QStringLiteral("Title: ") + QString::number(m_nextNode), title)) {
         group->setExpanded(true);
+        tvMenu->setCurrentItem(group); // the next step (Add Date) works on it
+    }
     ++m_nextNode;
     m_changed = true;
 }
@@ -221,9 +223,14 @@ void frmMenu::cmdSelectDate_Click()
         return;
     }
     const QDate date = dtDate->date();
-    const QString text = QLocale().toString(date, QLocale::ShortFormat) + QStringLiteral(" - ") + weekdayName(date);
+    // The household's own order of day, month and year, the year in full: a plan is kept for
+    // years.
+    QString format = QLocale().dateFormat(QLocale::ShortFormat);
+    if (!format.contains(QLatin1String("yyyy")))
+        format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    const QString text = QLocale().toString(date, format) + QStringLiteral(" - ") + weekdayName(date);
     if (QTreeWidgetItem *day = m_tree.add(key, QStringLiteral("Day: ") + QString::number(m_nextNode), text))
-        day->setExpanded(true);
+        day->setExpanded(true); // the group stays selected, for the next date
     ++m_nextNode;
     m_changed = true;
 }
@@ -249,10 +256,26 @@ void frmMenu::cmdMealAdd_Click()
         return;
     case MenuNode::Group:
     case MenuNode::Root: {
+        // The days below the selected node, after asking: meals are never spread over groups the
+        // user did not pick.
         QStringList days;
-        for (const QTreeWidgetItem *each : m_tree.nodes())
-            if (KindOfKey(MenuTree::keyOf(each)) == MenuNode::Day)
+        for (const QTreeWidgetItem *each : m_tree.nodes()) {
+            bool below = !node;
+            for (const QTreeWidgetItem *up = each->parent(); up && !below; up = up->parent())
+                below = up == node;
+            if (below && KindOfKey(MenuTree::keyOf(each)) == MenuNode::Day)
                 days.append(MenuTree::keyOf(each));
+        }
+        if (days.isEmpty()) {
+            MsgBox(QStringLiteral("Please select a day, or a Recipe Group with days, to add the meals to."), Msg::Ok,
+                   QStringLiteral("Message"));
+            return;
+        }
+        if (MsgBox(QStringLiteral("Add the meals to each of the %1 days below %2?")
+                       .arg(days.size())
+                       .arg(node ? node->text(0) : kRootText),
+                   Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+            return;
         for (const QString &day : days)
             addMeals(day);
         return;
@@ -277,16 +300,23 @@ void frmMenu::cmdAddRecipes_Click()
         MsgBox(QStringLiteral("Are you sure you want to put sub recipes on: ") + node->text(0) + u'?', Msg::Question,
                QStringLiteral("Verification")) != MsgResult::Yes)
         return;
+    QStringList passedOver;
     for (const QString &id : chosen) {
         // A recipe without ingredient lines, or one already under this node, is passed over.
         const Recordset rs = ExecuteSQL(
             QStringLiteral("SELECT * FROM RECIPE A, INGREDIENTS B WHERE A.ID = B.recipe_id AND A.id = ") + id);
-        if (!rs || rs.eof())
+        if (!rs || rs.eof()) {
+            passedOver << QStringLiteral("Recipe %1: it has no ingredient lines").arg(id);
             continue;
-        m_tree.add(key, key + QStringLiteral(", ID: ") + id, rs.text(QStringLiteral("title")));
+        }
+        if (!m_tree.add(key, key + QStringLiteral(", ID: ") + id, rs.text(QStringLiteral("title"))))
+            continue; // already there: nothing changes
         node->setExpanded(true);
+        m_changed = true;
     }
-    m_changed = true;
+    if (!passedOver.isEmpty())
+        MsgBox(QStringLiteral("These recipes were not added:\n\n") + MessageList(passedOver), Msg::Information,
+               QStringLiteral("Message"));
 }
 
 void frmMenu::cmdDelete_Click()
