@@ -78,6 +78,27 @@ private Q_SLOTS:
         pie.notes = QStringLiteral("Categories: Desserts, Pies\n\nTOPPING (before ingredient line 7)");
         QCOMPARE(readAll(kPie), QStringList {Describe(pie)});
         QCOMPARE(pie.ingredients[2].cabinet, QStringLiteral("Butter"));
+        // Cabinet names a household would choose.
+        const QList<std::pair<const char *, const char *>> names {{"All-purpose flour", "All-purpose flour"},
+                                                                  {"Onion; chopped", "Onion"},
+                                                                  {"Salt or pepper", "Salt"},
+                                                                  {"Half-and-half (cream)", "Half-and-half"},
+                                                                  {"(optional) Salt", "(optional) Salt"},
+                                                                  {"Egg, beaten", "Egg"}};
+        for (const auto &[ingredient, cabinet] : names)
+            QCOMPARE(MealMasterCabinetName(QLatin1String(ingredient)), QLatin1String(cabinet));
+        // Written back with the format's standard codes, which every reader knows.
+        const MeasureCodes codes(kHousehold);
+        QCOMPARE(codes.code(QStringLiteral("tsp")), QStringLiteral("ts"));
+        QCOMPARE(codes.code(QStringLiteral("Tbsp")), QStringLiteral("tb"));
+        QCOMPARE(codes.name(QStringLiteral("t")), QStringLiteral("tsp"));
+        QCOMPARE(codes.name(QStringLiteral("T")), QStringLiteral("Tbsp"));
+        // Headings keep every letter, M at either end included.
+        for (const char *heading : {"MARINADE", "CREAM", "M"}) {
+            pie.notes = QStringLiteral("Categories: Desserts, Pies\n\n%1 (before ingredient line 7)")
+                            .arg(QLatin1String(heading));
+            QCOMPARE(readAll(QByteArray(kPie).replace("TOPPING", heading)), QStringList {Describe(pie)});
+        }
     }
 
     void headerVariantsAndTwoColumns()

@@ -1,6 +1,5 @@
 #include "mealmaster.h"
 
-#include "cabinet/stem.h"
 #include "core/platform/platform.h"
 
 #include <QIODevice>
@@ -15,10 +14,11 @@ struct CodeNames {
     std::initializer_list<const char *> names;
 };
 const CodeNames kCodes[] = {
-    {"t", {"tsp", "teaspoon"}},
+    // The format's standard codes first: the first code of a name is the one written.
     {"ts", {"tsp", "teaspoon"}},
-    {"T", {"Tbsp", "tablespoon"}},
+    {"t", {"tsp", "teaspoon"}},
     {"tb", {"Tbsp", "tablespoon"}},
+    {"T", {"Tbsp", "tablespoon"}},
     {"c", {"cup", "cups"}},
     {"pt", {"pint"}},
     {"qt", {"quart"}},
@@ -87,11 +87,13 @@ QString headingOf(const QString &trimmed)
 {
     if (!(trimmed.startsWith(QLatin1String("MMMMM-")) || trimmed.startsWith(QLatin1String("-----"))))
         return {};
-    qsizetype from = 0;
-    while (from < trimmed.size() && (trimmed[from] == u'M' || trimmed[from] == u'-'))
+    // Only the five M's of the mark and the dashes around the words: a heading may begin or end
+    // with M itself ("MARINADE", "CREAM").
+    qsizetype from = trimmed.startsWith(QLatin1String("MMMMM")) ? 5 : 0;
+    while (from < trimmed.size() && trimmed[from] == u'-')
         ++from;
     qsizetype to = trimmed.size();
-    while (to > from && (trimmed[to - 1] == u'-' || trimmed[to - 1] == u'M'))
+    while (to > from && trimmed[to - 1] == u'-')
         --to;
     return trimmed.mid(from, to - from).trimmed();
 }
@@ -294,8 +296,16 @@ MealMasterIngredient ParseMealMasterIngredient(const QString &column)
 
 QString MealMasterCabinetName(const QString &ingredient)
 {
-    // Collections often write "Onion; chopped": the semicolon ends the name as a comma does.
-    return StripToDelimiter(ingredient.section(u';', 0, 0));
+    // The name before what describes it: "Onion, chopped", "Onion; chopped" (as collections
+    // often write it), "Butter (cold)", "Lemon juice or lime juice". A hyphen belongs to the
+    // name ("All-purpose flour", "Half-and-half"); a name too short to tell is the whole text.
+    QString name = ingredient;
+    for (const QChar delimiter : {u',', u';', u'(', u'/'})
+        name = name.section(delimiter, 0, 0);
+    if (const qsizetype orAt = name.indexOf(QLatin1String(" or "), 0, Qt::CaseInsensitive); orAt > 0)
+        name.truncate(orAt);
+    name = name.trimmed();
+    return name.size() >= 3 ? name : ingredient.trimmed();
 }
 
 MealMasterReader::MealMasterReader(QIODevice &file, const MeasureCodes &codes)

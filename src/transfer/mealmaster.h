@@ -101,5 +101,6 @@ MealMasterIngredient ParseMealMasterIngredient(const QString &column);
 // no place for them.
 QStringList FormatMealMaster(const RecipeData &recipe, const MeasureCodes &codes);
 
-// The cabinet name an imported ingredient gets.
+// The cabinet name an imported ingredient gets: the words before a ",", ";", "(", "/" or " or ",
+// hyphenated words kept whole; the whole text when that leaves fewer than three letters.
 QString MealMasterCabinetName(const QString &ingredient);
