@@ -129,17 +129,31 @@ private Q_SLOTS:
     void encodingsAreDetected_data()
     {
         QTest::addColumn<QByteArray>("title");
-        QTest::newRow("UTF-8") << QByteArray("Cr\xc3\xa8me br\xc3\xbbl\xc3\xa9\x65");
-        QTest::newRow("Latin-1") << QByteArray("Cr\xe8me br\xfbl\xe9\x65");
-        QTest::newRow("code page 437") << QByteArray("Cr\x8ame br\x96l\x82\x65");
+        QTest::addColumn<QByteArray>("step");
+        QTest::addColumn<QString>("expected");
+        const QByteArray chill("Chill.");
+        const QString creme = QStringLiteral("Crème brûlée");
+        QTest::newRow("UTF-8") << QByteArray("Cr\xc3\xa8me br\xc3\xbbl\xc3\xa9\x65") << chill << creme;
+        QTest::newRow("Latin-1") << QByteArray("Cr\xe8me br\xfbl\xe9\x65") << chill << creme;
+        QTest::newRow("code page 437") << QByteArray("Cr\x8ame br\x96l\x82\x65") << chill << creme;
+        // Files whose only special bytes are a degree sign or an ordinal: told apart by where
+        // they stand.
+        QTest::newRow("437, degrees only")
+            << QByteArray("Roast") << QByteArray("Bake at 200\xf8 for 1 hour.") << QStringLiteral("200° for");
+        QTest::newRow("437, ordinal only")
+            << QByteArray("Roast") << QByteArray("Turn at the 1\xa7 bell.") << QStringLiteral("1º bell");
+        QTest::newRow("Latin-1, degrees only")
+            << QByteArray("Roast") << QByteArray("Bake at 200\xb0 for 1 hour.") << QStringLiteral("200° for");
     }
     void encodingsAreDetected()
     {
         QFETCH(QByteArray, title);
+        QFETCH(QByteArray, step);
+        QFETCH(QString, expected);
         const QStringList read =
-            readAll("MMMMM----- Recipe via Meal-Master\n      Title: " + title + "\n\n  Chill.\nMMMMM\n");
+            readAll("MMMMM----- Recipe via Meal-Master\n      Title: " + title + "\n\n  " + step + "\nMMMMM\n");
         QCOMPARE(read.size(), 1);
-        QVERIFY2(read[0].contains(QStringLiteral("Crème brûlée")), qPrintable(read[0]));
+        QVERIFY2(read[0].contains(expected), qPrintable(read[0]));
     }
 
     // Damage costs the recipe it is in, never the others, and never a crash or a hang.

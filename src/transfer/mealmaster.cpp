@@ -167,14 +167,35 @@ bool fitsAmountColumn(const QString &amount)
 struct EncodingScan {
     int pending = 0; // continuation bytes still due
     bool valid = true;
-    bool c1 = false;
+    // The whole file's evidence for DOS's code page against Latin-1, where the same byte is a
+    // different character: after a digit, 0xF8 is DOS's degree sign ("350\xF8F") and 0xA6/0xA7
+    // its ordinals, while 0xB0 is Latin-1's degree sign; after a letter, 0xE0-0xFF are Latin-1's
+    // accented letters and DOS's Greek and mathematical signs.
+    int dos = 0;
+    int latin1 = 0;
+    unsigned char previous = 0;
+
+    void weigh(unsigned char b)
+    {
+        const bool afterDigit = previous >= '0' && previous <= '9';
+        const bool afterLetter = (previous >= 'a' && previous <= 'z') || (previous >= 'A' && previous <= 'Z');
+        if (b >= 0x80 && b <= 0x9F)
+            dos += 2; // DOS's accented letters; control characters in Latin-1
+        else if (afterDigit && (b == 0xF8 || b == 0xA6 || b == 0xA7))
+            ++dos;
+        else if (afterDigit && b == 0xB0)
+            ++latin1;
+        else if (afterLetter && b >= 0xE0 && b != 0xF8)
+            ++latin1;
+        previous = b;
+    }
 
     void feed(const char *data, qsizetype size)
     {
+        for (qsizetype i = 0; i < size; ++i)
+            weigh(static_cast<unsigned char>(data[i]));
         for (qsizetype i = 0; i < size && valid; ++i) {
             const auto b = static_cast<unsigned char>(data[i]);
-            if (b >= 0x80 && b <= 0x9F)
-                c1 = true;
             if (pending > 0) {
                 if ((b & 0xC0) != 0x80)
                     valid = false;
@@ -189,9 +210,6 @@ struct EncodingScan {
                 valid = false;
             }
         }
-        if (!valid) // the C1 bytes are all that is left to learn
-            for (qsizetype i = 0; i < size && !c1; ++i)
-                c1 = static_cast<unsigned char>(data[i]) >= 0x80 && static_cast<unsigned char>(data[i]) <= 0x9F;
     }
 };
 
@@ -251,7 +269,7 @@ MealMasterEncoding DetectMealMasterEncoding(QIODevice &file)
     file.seek(start);
     if (scan.valid)
         return MealMasterEncoding::Utf8;
-    return scan.c1 ? MealMasterEncoding::Cp437 : MealMasterEncoding::Latin1;
+    return scan.dos > scan.latin1 ? MealMasterEncoding::Cp437 : MealMasterEncoding::Latin1;
 }
 
 QString DecodeMealMasterLine(const QByteArray &line, MealMasterEncoding encoding)
