@@ -138,6 +138,22 @@ private Q_SLOTS:
         QCOMPARE(gSubWindows, qint16(0));
     }
 
+    // The window keeps its own type: the main window switching to Drink meanwhile changes
+    // nothing here.
+    void theWindowWorksOnItsOwnType()
+    {
+        frmCabinet w;
+        w.show();
+        gRecipeType = QStringLiteral("Drink");
+        m_boxes->answerInput(QStringLiteral("basil"));
+        w.cmdAdd_Click();
+        w.lvwCabinet->topLevelItem(0)->setCheckState(0, Qt::Checked);
+        w.cmdSave_Click();
+        QCOMPARE(cabinet("F"), QStringList {QStringLiteral("basil*")});
+        QCOMPARE(cabinet("D"), QStringList());
+        w.close();
+    }
+
     // Two computers on one collection: each save writes only the ticks changed in its own
     // window, so neither undoes the other's.
     void aSaveWritesOnlyTheTicksChangedHere()
@@ -217,7 +233,8 @@ private Q_SLOTS:
                  QStringLiteral("The item \"Salt (coarse')\" cannot be stored as it stands: an apostrophe next to a "
                                 "comma or a parenthesis would end it there."));
         QCOMPARE(cabinet("F").size(), 4);
-        // Deleting removes the item from every type's cabinet.
+        // Deleting removes the selected items from this cabinet only; unsaved ticks stay.
+        w.lvwCabinet->topLevelItem(0)->setCheckState(0, Qt::Checked); // Crème fraîche, not saved
         m_boxes->answer(MsgResult::Yes);
         w.lvwCabinet->clearSelection();
         w.lvwCabinet->setCurrentItem(nullptr);
@@ -227,12 +244,23 @@ private Q_SLOTS:
         m_boxes->answer(MsgResult::Yes);
         w.cmdDelete_Click();
         QCOMPARE(cabinet("F").size(), 3);
-        QCOMPARE(cabinet("D"), QStringList {QStringLiteral("sugar")});
-        // A tick on a name with an apostrophe cannot be saved: said, the others saved.
+        QCOMPARE(cabinet("D"), (QStringList {QStringLiteral("mint"), QStringLiteral("sugar")}));
+        QCOMPARE(w.lvwCabinet->topLevelItem(0)->checkState(0), Qt::Checked);
+        // Several at once, after one question naming how many.
+        selectItems(w, {"Crème fraîche", QString(10000, u'z')});
+        m_boxes->answer(MsgResult::Yes);
+        w.cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("Are you sure you want to remove these 2 items from the Cabinet?"));
+        QCOMPARE(cabinet("F"), QStringList {QStringLiteral("Mom's 100% jam")});
+        // A name with an apostrophe is ticked, saved and removed like any other.
         w.cmdAll_Click();
         w.cmdSave_Click();
-        QVERIFY(m_boxes->prompts().last().endsWith(QStringLiteral("the statement:\n\nMom's 100% jam")));
-        QVERIFY(cabinet("F").contains(QStringLiteral("Crème fraîche*")));
+        QCOMPARE(cabinet("F"), QStringList {QStringLiteral("Mom's 100% jam*")});
+        selectItems(w, {"Mom's 100% jam"});
+        m_boxes->answer(MsgResult::Yes);
+        w.cmdDelete_Click();
+        QCOMPARE(cabinet("F"), QStringList());
         w.close();
     }
 

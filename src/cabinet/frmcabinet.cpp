@@ -34,9 +34,12 @@ const QString kCloseQuestion =
     QStringLiteral("You have not saved your changes.\n\nWould you like to close your Cabinet without saving?");
 const QString kFont = QStringLiteral("Courier New");
 
-QString typeCode()
+// An item's name inside a quoted text of a statement that is not an INSERT (which doubles its
+// apostrophes itself): "Baker's chocolate" is ticked and removed like any other.
+QString quoted(const QString &item)
 {
-    return gRecipeType.left(1);
+    QString text = item;
+    return text.replace(u'\'', QStringLiteral("''"));
 }
 
 // What the statements cannot carry, said before anything is tried.
@@ -135,6 +138,7 @@ void frmCabinet::Form_Load()
         return;
     FillRecipeTypes(cboRecipeType);
     cboRecipeType->setCurrentText(gRecipeType);
+    m_type = cboRecipeType->currentText();
     LoadList();
 }
 
@@ -162,7 +166,13 @@ void frmCabinet::cboRecipeType_Click()
     // Switching types never loses ticks: the old type's are saved first.
     if (m_changed)
         cmdSave_Click();
-    gRecipeType = cboRecipeType->currentText();
+    if (m_changed) { // not saved: the list stays on its type, ticks and all
+        const QSignalBlocker quiet(cboRecipeType);
+        cboRecipeType->setCurrentText(m_type);
+        return;
+    }
+    m_type = cboRecipeType->currentText();
+    gRecipeType = m_type;
     LoadList();
 }
 
@@ -211,27 +221,51 @@ void frmCabinet::cmdAdd_Click()
         return;
     gSQL = QStringLiteral("INSERT INTO CABINET VALUES ('") + item + QStringLiteral("', '") + typeCode() +
            QStringLiteral("', 0)");
-    ExecuteSQL(gSQL);
+    if (ExecuteSQL(gSQL).failed())
+        return;
+    // Into the list as it stands: the ticks not yet saved stay.
+    auto *added = new QTreeWidgetItem({item});
+    added->setFlags(added->flags() | Qt::ItemIsUserCheckable);
+    {
+        const QSignalBlocker quiet(lvwCabinet);
+        added->setCheckState(0, Qt::Unchecked);
+        added->setData(0, kStoredTick, Qt::Unchecked);
+        lvwCabinet->addTopLevelItem(added);
+        lvwCabinet->sortItems(0, Qt::AscendingOrder);
+    }
+    lvwCabinet->setCurrentItem(added);
     m_changed = true;
-    LoadList();
 }
 
 void frmCabinet::cmdDelete_Click()
 {
-    if (MsgBox(kDeleteQuestion, Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
+    const QList<QTreeWidgetItem *> selected = lvwCabinet->selectedItems();
+    const QString question =
+        selected.size() > 1
+            ? QStringLiteral("Are you sure you want to remove these %1 items from the Cabinet?").arg(selected.size())
+            : kDeleteQuestion;
+    if (MsgBox(question, Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) != MsgResult::Yes)
         return;
-    QTreeWidgetItem *selected = lvwCabinet->currentItem();
-    if (!selected || !selected->isSelected()) {
+    if (selected.isEmpty()) {
         MsgBox(QStringLiteral("You must select an item!"), Msg::Ok, QStringLiteral("Error"));
         return;
     }
-    const QString item = selected->text(0);
-    gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + item + u'\'';
-    if (ExecuteSQL(gSQL).failed())
-        MsgBox(QStringLiteral("The item \"") + item +
-                   QStringLiteral("\" could not be removed: an apostrophe in its name ends it in the statement."),
-               Msg::Critical, QStringLiteral("Error"));
-    LoadList();
+    if (ReportNotConnected())
+        return;
+    // Exactly the selected items, of this cabinet only; the other cabinets keep theirs. The list
+    // loses them where it stands, so the ticks not yet saved stay.
+    StatementBatch batch;
+    for (const QTreeWidgetItem *item : selected) {
+        gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + quoted(item->text(0)) +
+               QStringLiteral("' AND type = '") + typeCode() + u'\'';
+        if (!batch.begun() || ExecuteSQL(gSQL).failed())
+            batch.fail();
+    }
+    if (!batch.commit()) {
+        batch.reportFailure();
+        return;
+    }
+    qDeleteAll(selected);
 }
 
 void frmCabinet::cmdSave_Click()
@@ -256,8 +290,8 @@ void frmCabinet::cmdSave_Click()
             written.append(item);
             gSQL = QStringLiteral("UPDATE CABINET SET available = ") +
                    (item->checkState(0) == Qt::Checked ? QStringLiteral("True") : QStringLiteral("False")) +
-                   QStringLiteral(" WHERE item = '") + item->text(0) + QStringLiteral("' AND type = '") + typeCode() +
-                   u'\'';
+                   QStringLiteral(" WHERE item = '") + quoted(item->text(0)) + QStringLiteral("' AND type = '") +
+                   typeCode() + u'\'';
             if (ExecuteSQL(gSQL).failed()) {
                 notSaved.append(item->text(0));
                 written.removeLast();
@@ -282,7 +316,7 @@ void frmCabinet::cmdPrint_Click()
 {
     RecipePrinter printer;
     printer.SetFileName(JoinPath(ProgramDir(), QStringLiteral("cabinet.txt")));
-    printer.AddLine(gRecipeType + QStringLiteral(" Cabinet"), kFont, 10, true, false);
+    printer.AddLine(m_type + QStringLiteral(" Cabinet"), kFont, 10, true, false);
     printer.AddLine(QString(), kFont, 9, false, false);
     for (int i = 0; i < lvwCabinet->topLevelItemCount(); ++i) {
         const QTreeWidgetItem *item = lvwCabinet->topLevelItem(i);

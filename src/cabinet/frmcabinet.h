@@ -57,7 +57,11 @@ private:
     // Ticks (or unticks, or inverts) the items, all or the selected ones.
     enum class Tick { On, Off, Invert };
     void tick(Tick how, bool selectedOnly);
+    // The code of the type this window shows ("F", "D", "O"): its own from open to close, not
+    // whatever the main window switches to meanwhile.
+    QString typeCode() const { return m_type.left(1); }
 
+    QString m_type = QStringLiteral("Food");
     SubWindowCount m_life;
     bool m_changed = false;
 };
