@@ -24,6 +24,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTabBar>
+#include <QScreen>
 #include <QTest>
 #include <QTextEdit>
 
@@ -210,6 +211,18 @@ private Q_SLOTS:
         std::unique_ptr<QWidget> w = makeWindow(window);
         const QStringList missing = unreached(w.get());
         QVERIFY2(missing.isEmpty(), qPrintable(missing.join(QStringLiteral(", "))));
+        // Inside the screen's available area, at this scale too, wherever the window's layout
+        // can be that small (the offscreen screen at twice the density is 400 by 400).
+        const QRect area = w->screen()->availableGeometry();
+        const QSize least = w->minimumSizeHint();
+        if (least.width() <= area.width() - 40 && least.height() <= area.height() - 80)
+            QVERIFY2(area.contains(w->geometry()), qPrintable(QStringLiteral("%1,%2 %3x%4 outside %5x%6")
+                                                                  .arg(w->x())
+                                                                  .arg(w->y())
+                                                                  .arg(w->width())
+                                                                  .arg(w->height())
+                                                                  .arg(area.width())
+                                                                  .arg(area.height())));
         // For a look by eye at the scale the run was started with (QT_SCALE_FACTOR).
         SaveScreenshot(w.get(),
                        QStringLiteral("scale%1-").arg(w->devicePixelRatioF()) + QLatin1String(QTest::currentDataTag()));

@@ -302,9 +302,17 @@ private Q_SLOTS:
         p.SetFileName(m_home->path("shown.rtf"));
         frmPreview preview(p);
         preview.show();
+        // Inside the screen's available area, whatever its size.
+        QVERIFY(preview.screen()->availableGeometry().contains(preview.geometry()));
+        // Save asks where to, starting from the document's own name.
+        m_boxes->answerFile(m_home->path("chosen.pdf"));
         preview.cmdSave_Click();
-        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Saved as: ") + m_home->path("shown.rtf")});
-        QVERIFY(QFile::exists(m_home->path("shown.rtf")));
+        QCOMPARE(m_boxes->fileDialogs, (QStringList {QStringLiteral("Save Recipes"), m_home->path("shown.rtf")}));
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("Saved as: ") + m_home->path("chosen.pdf")});
+        QVERIFY(ReadBytes(m_home->path("chosen.pdf")).startsWith("%PDF"));
+        m_boxes->answerFile(QString()); // cancelled: nothing written
+        preview.cmdSave_Click();
+        QCOMPARE(m_boxes->boxes.size(), 1);
         SaveScreenshot(&preview, QStringLiteral("frmPreview"));
 
         const qreal fitted = preview.pvwPages->zoomFactor();

@@ -122,7 +122,7 @@ void frmCabinet::buildLayout()
     auto *layout = new QHBoxLayout(this);
     layout->addWidget(lvwCabinet, 1);
     layout->addLayout(side);
-    resize(520, 460);
+    FitToScreen(this, 520, 460);
 }
 
 bool frmCabinet::event(QEvent *event)

@@ -152,7 +152,7 @@ void frmMenu::buildLayout()
     auto *layout = new QHBoxLayout(this);
     layout->addWidget(tvMenu, 1);
     layout->addLayout(side);
-    resize(760, 480);
+    FitToScreen(this, 760, 480);
 }
 
 bool frmMenu::event(QEvent *event)

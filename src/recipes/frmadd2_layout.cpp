@@ -162,7 +162,7 @@ void frmAdd2::arrangeLayout()
             frame->setFrameShape(QFrame::StyledPanel);
             page->addWidget(frame, 0, 0);
         }
-        resize(720, 480);
+        FitToScreen(this, 720, 480);
     } else {
         tabRecipe->hide();
         for (QFrame *frame : fraRecipe)
@@ -174,7 +174,7 @@ void frmAdd2::arrangeLayout()
         page->setColumnStretch(1, 3);
         page->setRowStretch(0, 3);
         page->setRowStretch(1, 2);
-        resize(1080, 640);
+        FitToScreen(this, 1080, 640);
     }
     auto *layout = new QVBoxLayout(this);
     layout->setSpacing(0);

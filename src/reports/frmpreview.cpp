@@ -1,6 +1,10 @@
 #include "frmpreview.h"
 
+#include "core/ui/controls.h"
 #include "core/ui/msgbox.h"
+
+#include <QDir>
+#include <QFileInfo>
 
 #include <QHBoxLayout>
 #include <QPageLayout>
@@ -43,7 +47,7 @@ frmPreview::frmPreview(const RecipePrinter &document, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(pvwPages, 1);
     layout->addLayout(buttons);
-    resize(760, 900);
+    FitToScreen(this, 760, 900); // the pages scroll: the buttons stay on screen
 
     connect(cmdZoomIn, &QPushButton::clicked, pvwPages, [this] { pvwPages->zoomIn(); });
     connect(cmdZoomOut, &QPushButton::clicked, pvwPages, [this] { pvwPages->zoomOut(); });
@@ -72,6 +76,17 @@ void frmPreview::cmdPrint_Click()
 
 void frmPreview::cmdSave_Click()
 {
+    // Where to is the user's choice, starting in the folder saved to last.
+    static QString lastFolder;
+    const QFileInfo suggested(m_composed.fileName());
+    const QString folder = lastFolder.isEmpty() ? suggested.absolutePath() : lastFolder;
+    const QString file =
+        AskFileName(QStringLiteral("Save Recipes"), QDir(folder).filePath(suggested.fileName()),
+                    QStringLiteral("Rich text (*.rtf);;PDF document (*.pdf);;Plain text (*.txt)"), FileUse::Export);
+    if (file.isEmpty())
+        return;
+    lastFolder = QFileInfo(file).absolutePath();
+    m_composed.SetFileName(file);
     QString error;
     if (!m_composed.Save(&error)) {
         MsgBox(error, Msg::Critical, QStringLiteral("Error"));

@@ -182,7 +182,7 @@ void frmSearch::buildLayout()
     auto *layout = new QVBoxLayout(this);
     layout->setMenuBar(menuBar);
     layout->addLayout(columns);
-    resize(900, 520);
+    FitToScreen(this, 900, 520);
 }
 
 bool frmSearch::event(QEvent *event)

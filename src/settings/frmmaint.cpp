@@ -66,7 +66,7 @@ frmMaint::frmMaint(QWidget *parent) : QDialog(parent)
     layout->addLayout(fields);
     layout->addWidget(lvwEntries, 1);
     layout->addLayout(buttons);
-    resize(420, 460);
+    FitToScreen(this, 420, 460);
 
     connect(cboSection, &QComboBox::activated, this, &frmMaint::cboSection_Click);
     connect(lvwEntries, &QTreeWidget::itemClicked, this, &frmMaint::lvwEntries_Click);

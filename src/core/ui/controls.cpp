@@ -8,6 +8,7 @@
 #include "core/platform/platform.h"
 
 #include <QApplication>
+#include <QScreen>
 #include <cmath>
 #include <QComboBox>
 #include <QLineEdit>
@@ -126,4 +127,19 @@ void AllowAnyLength(QWidget *window)
 {
     for (QLineEdit *box : window->findChildren<QLineEdit *>())
         box->setMaxLength(std::numeric_limits<int>::max());
+}
+
+void FitToScreen(QWidget *window, int width, int height)
+{
+    const QWidget *over = QApplication::activeWindow();
+    const QScreen *screen = over && over->screen() ? over->screen() : QGuiApplication::primaryScreen();
+    if (!screen) {
+        window->resize(width, height);
+        return;
+    }
+    const QRect area = screen->availableGeometry();
+    // The frame and title bar come on top of the size asked for.
+    const QSize size(std::min(width, area.width() - 40), std::min(height, area.height() - 80));
+    window->resize(size);
+    window->move(area.center() - QPoint(size.width() / 2, size.height() / 2));
 }

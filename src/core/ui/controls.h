@@ -72,3 +72,6 @@ void LoadIniList(QComboBox *combo, const QString &section);
 // Lets every single-line box of the window take a text of any length, as the database's
 // columns do: a long text pasted into a box would otherwise be cut at 32,767 characters.
 void AllowAnyLength(QWidget *window);
+// Sizes the window to the size it is laid out for, or smaller to fit the screen's available area
+// (a small screen, a large scale), and places it inside that area.
+void FitToScreen(QWidget *window, int width, int height);
