@@ -150,7 +150,7 @@ private Q_SLOTS:
                 lines << amounts[random.bounded(int(amounts.size()))] + u'|' +
                              measures[random.bounded(int(measures.size()))] + u'|' + text(9);
             for (int n = random.bounded(5); n > 0; --n)
-                steps << text(40);
+                steps << (n % 2 ? text(40) : text(6) + u'\n' + text(6)); // line breaks come back too
             RecipeData r = imported(QStringLiteral("Recipe %1 ").arg(i) + text(4), lines, steps);
             r.category = QStringList {"Soups", "Mom's", ""}[i % 3];
             r.servings = i % 3 ? QStringLiteral("4") : QString();

@@ -101,6 +101,26 @@ private Q_SLOTS:
         }
     }
 
+    // The directions' own marks: the paragraph mark (byte 0x14) and a line that begins with ":"
+    // break the line; a section heading among them is a heading line of its own.
+    void directionsKeepTheirLineBreaksAndHeadings()
+    {
+        const QByteArray text = "MMMMM----- Recipe via Meal-Master (tm) v8.05\n"
+                                "      Title: Layers\n"
+                                "\n"
+                                "      1 c  Flour\n"
+                                "\n"
+                                "  Mix the flour.\x14Rest it.\n"
+                                "  Then roll it\n"
+                                "  :thin.\n"
+                                "MMMMM--------------------------GLAZE-------------------------------\n"
+                                "  Brush with milk.\n"
+                                "MMMMM\n";
+        RecipeData layers = imported(QStringLiteral("Layers"), {"1|cup|Flour"},
+                                     {"Mix the flour.\nRest it. Then roll it\nthin.", "GLAZE", "Brush with milk."});
+        QCOMPARE(readAll(text), QStringList {Describe(layers)});
+    }
+
     void headerVariantsAndTwoColumns()
     {
         // The right column starts at column 41.

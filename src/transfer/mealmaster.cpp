@@ -500,26 +500,50 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
                                   MealMasterCabinetName(item)});
         }
 
-    // The directions, a paragraph a step; then the times and the notes.
+    // The directions, a paragraph a step; then the times and the notes. Within a paragraph the
+    // lines run on, but the format's paragraph mark (byte 0x14) and a line that begins with ":"
+    // break the line there.
     QStringList paragraph;
+    QString joined;
     QStringList notes;
     const auto flush = [&] {
         if (paragraph.isEmpty())
             return;
-        const QString joined = paragraph.join(u' ');
         if (!notes.isEmpty() || joined.startsWith(kNotes)) {
             notes << (notes.isEmpty() ? joined.mid(kNotes.size()) : joined);
         } else if (!readTimes(paragraph, r)) {
             r.directions.append({Format(r.directions.size() + 1, QStringLiteral("00")), joined});
         }
         paragraph.clear();
+        joined.clear();
     };
     for (; i < lines.size(); ++i) {
-        const QString t = lines[i].text.trimmed();
-        if (t.isEmpty())
+        QString t = lines[i].text.trimmed();
+        if (t.isEmpty()) {
             flush();
-        else
-            paragraph << t;
+            continue;
+        }
+        // A section heading among the directions is a plain heading line of its own.
+        if (const QString heading = headingOf(t); !heading.isEmpty()) {
+            flush();
+            paragraph << heading;
+            joined = heading;
+            flush();
+            continue;
+        }
+        const bool forcedBreak = t.startsWith(u':');
+        if (forcedBreak)
+            t = t.mid(1).trimmed();
+        if (t.contains(QChar(0x14))) {
+            QStringList parts = t.split(QChar(0x14));
+            for (QString &part : parts)
+                part = part.trimmed();
+            t = parts.join(u'\n');
+        }
+        if (!joined.isEmpty() && !joined.endsWith(u'\n'))
+            joined += forcedBreak ? u'\n' : u' ';
+        joined += t;
+        paragraph << t;
     }
     flush();
 
@@ -551,11 +575,16 @@ QStringList FormatMealMaster(const RecipeData &r, const MeasureCodes &codes)
         for (qsizetype k = 1; k < parts.size(); ++k)
             out << QStringLiteral("           -") + parts[k];
     }
+    // A line break inside a text starts its next line with ":", the format's forced break.
     const auto paragraph = [&out](const QString &text) {
         out << QString();
-        for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts))
-            for (const QString &part : wrap(line, kDirectionRoom))
-                out << QStringLiteral("  ") + part;
+        bool first = true;
+        for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts)) {
+            const QStringList parts = wrap(line, kDirectionRoom);
+            for (qsizetype k = 0; k < parts.size(); ++k)
+                out << (k == 0 && !first ? QStringLiteral("  :") : QStringLiteral("  ")) + parts[k];
+            first = false;
+        }
     };
     for (const DirectionLine &line : r.directions)
         paragraph(line.direction);
