@@ -151,6 +151,15 @@ private Q_SLOTS:
         w.cmdSave_Click();
         QCOMPARE(cabinet("F"), QStringList {QStringLiteral("basil*")});
         QCOMPARE(cabinet("D"), QStringList());
+        // Clean from the window asks before it saves unsaved ticks; No leaves them unsaved.
+        w.lvwCabinet->topLevelItem(0)->setCheckState(0, Qt::Unchecked);
+        m_boxes->answer(MsgResult::No);
+        w.cmdClean_Click();
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("You have not saved your changes.\n\nSave them before the cabinet is cleaned?"));
+        QCOMPARE(cabinet("F"), QStringList {QStringLiteral("basil*")});
+        QVERIFY(w.changed());
+        m_boxes->answer(MsgResult::Yes); // close without saving
         w.close();
     }
 
@@ -273,21 +282,35 @@ private Q_SLOTS:
         addItem("thyme", "F");
         addItem("Mom's jam", "F"); // its name ends early in the statements: passed over, named
         m_boxes->answer(MsgResult::Yes); // clean
-        m_boxes->answer(MsgResult::Yes); // saffron
-        m_boxes->answer(MsgResult::No); // thyme
+        m_boxes->answerChoice(0); // saffron: Yes
+        m_boxes->answerChoice(1); // thyme: No
         CleanCabinet();
+        const QString choices = QStringLiteral("\n[&Yes] [&No] [Yes to &All] [N&o to All] [Cancel]");
         QCOMPARE(
             m_boxes->prompts(),
             (QStringList {"Cleaning the Cabinet will attempt to remove any ingredients from the cabinet that are not "
                           "specified as ingredients in the collection of recipes.\n\nWould you like to continue?",
-                          "Would you like to remove saffron from the cabinet?",
-                          "Would you like to remove thyme from the cabinet?",
+                          "Would you like to remove saffron from the cabinet?" + choices,
+                          "Would you like to remove thyme from the cabinet?" + choices,
                           "These names could not be checked, as an apostrophe in a name ends it in the database's "
                           "statements; change them in their recipes:\n\nMom's jam",
                           "The cabinet has been cleaned!"}));
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Information"));
         QCOMPARE(cabinet("F"), (QStringList {"Mom's jam", "salt", "thyme"}));
         QCOMPARE(cabinet("D"), QStringList());
+
+        // A long list is answered once: No to All keeps every item, Cancel stops at once.
+        addItem("sage", "F");
+        addItem("dill", "F");
+        for (const int answer : {3, 4}) {
+            m_boxes->clear();
+            m_boxes->answer(MsgResult::Yes);
+            m_boxes->answerChoice(answer);
+            CleanCabinet();
+            QCOMPARE(m_boxes->prompts().filter(QStringLiteral("Would you like to remove")).size(), 1);
+            QCOMPARE(cabinet("F"), (QStringList {"dill", "Mom's jam", "sage", "salt", "thyme"}));
+        }
+        m_boxes->clear();
     }
 
     void refreshAddsExactlyTheMissingPairs()
@@ -312,11 +335,11 @@ private Q_SLOTS:
                     {"1|cup|scallions, sliced|green onion sliced", "1|cup|tomatoes (canned)|tomatoes canned"});
         storeRecipe(2, "Food", {"1|cup|scallions, sliced|green onion sliced", "1|cup|basil|basil"});
         m_boxes->answer(MsgResult::Yes); // repair
-        m_boxes->answer(MsgResult::Yes); // the change
+        m_boxes->answerChoice(0); // the change: Yes
         RepairCabinet();
-        QCOMPARE(m_boxes->prompts().at(1),
-                 QStringLiteral("Change the following?\n\nIngredient: scallions, sliced\nCurrently in cabinet as: "
-                                "green onion sliced\nNew cabinet suggestion: scallions"));
+        QVERIFY(m_boxes->prompts().at(1).startsWith(
+            QStringLiteral("Change the following?\n\nIngredient: scallions, sliced\nCurrently in cabinet as: "
+                           "green onion sliced\nNew cabinet suggestion: scallions\n[&Yes]")));
         QCOMPARE(m_boxes->prompts().last(), QStringLiteral("The cabinet is in order!"));
         QCOMPARE(m_boxes->boxes.size(), 3);
         QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE cabinet = 'scallions'"), 2);

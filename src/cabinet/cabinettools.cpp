@@ -80,6 +80,39 @@ void runTool(const QString &status, const QString &passedWhat, Work work)
     reportPassedOver(passedOver, passedWhat);
 }
 
+// A tool's question about one item after another: Yes, No, Yes to All, No to All or Cancel, No
+// the default, so that a long list is answered once and one Enter changes nothing.
+class ItemQuestions
+{
+public:
+    enum Answer { Yes, No, Stop };
+    Answer ask(const QString &question)
+    {
+        if (m_all != Unasked)
+            return m_all == AllYes ? Yes : No;
+        switch (ChooseAction(question, QStringLiteral("Confirmation"),
+                             {QStringLiteral("&Yes"), QStringLiteral("&No"), QStringLiteral("Yes to &All"),
+                              QStringLiteral("N&o to All"), QStringLiteral("Cancel")},
+                             1, MsgIcon::Question)) {
+        case 0:
+            return Yes;
+        case 2:
+            m_all = AllYes;
+            return Yes;
+        case 3:
+            m_all = AllNo;
+            return No;
+        case 4:
+            return Stop;
+        default:
+            return No;
+        }
+    }
+
+private:
+    enum { Unasked, AllYes, AllNo } m_all = Unasked;
+};
+
 } // namespace
 
 void CleanCabinet()
@@ -92,17 +125,21 @@ void CleanCabinet()
                 gSQL = QStringLiteral("SELECT DISTINCT item FROM CABINET");
                 for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
                     items.append(rs.text(0));
+                ItemQuestions questions;
                 for (const QString &item : items) {
                     gSQL = QStringLiteral("SELECT * FROM INGREDIENTS WHERE cabinet = '") + item + u'\'';
                     const Recordset used = ExecuteSQL(gSQL);
                     if (used.failed()) {
                         passedOver.append(item); // not asked about: whether it is used is not known
-                    } else if (used.eof() &&
-                               MsgBox(QStringLiteral("Would you like to remove ") + item +
-                                          QStringLiteral(" from the cabinet?"),
-                                      Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) == MsgResult::Yes) {
-                        gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + item + u'\'';
-                        ExecuteSQL(gSQL);
+                    } else if (used.eof()) {
+                        const auto answer = questions.ask(QStringLiteral("Would you like to remove ") + item +
+                                                          QStringLiteral(" from the cabinet?"));
+                        if (answer == ItemQuestions::Stop)
+                            break;
+                        if (answer == ItemQuestions::Yes) {
+                            gSQL = QStringLiteral("DELETE * FROM CABINET WHERE item = '") + item + u'\'';
+                            ExecuteSQL(gSQL);
+                        }
                     }
                     progress.advance();
                 }
@@ -167,6 +204,7 @@ void RepairCabinet()
                 gSQL = QStringLiteral("SELECT DISTINCT cabinet, ingredient FROM INGREDIENTS");
                 for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
                     rows.append({rs.text(0), rs.text(1)});
+                ItemQuestions questions;
                 for (const auto &[cabinet, ingredient] : rows) {
                     const QString stem = StripToDelimiter(ingredient);
                     const bool shorter = stem.toUpper() != cabinet.toUpper() && stem.size() < cabinet.size();
@@ -186,8 +224,10 @@ void RepairCabinet()
                         const QString question = QStringLiteral("Change the following?\n\nIngredient: ") + ingredient +
                                                  QStringLiteral("\nCurrently in cabinet as: ") + cabinet +
                                                  QStringLiteral("\nNew cabinet suggestion: ") + stem;
-                        if (MsgBox(question, Msg::QuestionDefaultNo, QStringLiteral("Confirmation")) ==
-                            MsgResult::Yes) {
+                        const auto answer = questions.ask(question);
+                        if (answer == ItemQuestions::Stop)
+                            break;
+                        if (answer == ItemQuestions::Yes) {
                             gSQL = QStringLiteral("UPDATE INGREDIENTS SET cabinet = '") + stem +
                                    QStringLiteral("' WHERE ingredient = '") + ingredient + u'\'';
                             if (ExecuteSQL(gSQL).failed())

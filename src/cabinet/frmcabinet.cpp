@@ -329,8 +329,15 @@ void frmCabinet::cmdPrint_Click()
 
 void frmCabinet::cmdClean_Click()
 {
-    if (m_changed)
-        cmdSave_Click(); // the clean reads the table: ticks not yet saved would be lost
+    // The clean reads the stored cabinet: ticks not yet saved are saved first, if the user says so.
+    if (m_changed) {
+        if (MsgBox(QStringLiteral("You have not saved your changes.\n\nSave them before the cabinet is cleaned?"),
+                   Msg::Question, QStringLiteral("Confirmation")) != MsgResult::Yes)
+            return;
+        cmdSave_Click();
+        if (m_changed)
+            return; // not saved: the clean would lose them
+    }
     CleanCabinet();
     LoadList();
 }

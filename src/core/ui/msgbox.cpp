@@ -75,12 +75,12 @@ MsgResult MsgBox(const QString &prompt, MsgStyle style, const QString &title)
     }
 }
 
-int ChooseAction(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice)
+int ChooseAction(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice, MsgIcon icon)
 {
     const QString caption = title.isEmpty() ? ProgramTitle() : title;
     if (g_responder)
         return g_responder->choice(prompt, caption, choices, safeChoice);
-    QMessageBox box(QMessageBox::Critical, caption, prompt, QMessageBox::NoButton, QApplication::activeWindow());
+    QMessageBox box(toQtIcon(icon), caption, prompt, QMessageBox::NoButton, QApplication::activeWindow());
     QList<QAbstractButton *> buttons;
     for (const QString &text : choices)
         buttons.append(box.addButton(text, QMessageBox::ActionRole));

@@ -36,7 +36,8 @@ QString ProgramTitle();
 MsgResult MsgBox(const QString &prompt, MsgStyle style = Msg::Ok, const QString &title = {});
 // Offers the choices as buttons under a critical message ("&Locate..."); answers the index of
 // the one pressed. The safe choice is the default and what closing the box answers.
-int ChooseAction(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice);
+int ChooseAction(const QString &prompt, const QString &title, const QStringList &choices, int safeChoice,
+                 MsgIcon icon = MsgIcon::Critical);
 // Asks for a line of text; returns "" for Cancel.
 QString InputBox(const QString &prompt, const QString &title = {}, const QString &defaultText = {});
 // Asks for a file with the desktop's file dialog, starting at current; filter as Qt writes it
