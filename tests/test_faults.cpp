@@ -6,6 +6,7 @@
 #include "core/platform/voice.h"
 #include "cabinet/frmcabinet.h"
 #include "core/db/integrity.h"
+#include "core/db/schema.h"
 #include "core/platform/appstate.h"
 #include "core/shell/dbupkeep.h"
 #include "core/shell/startup.h"
@@ -107,7 +108,9 @@ class TestFaults : public SessionTest
     // Runs the writer at every write and sync it makes, each failing as a full disk and as a
     // failing disk from that call on: the writer reports saved exactly when the file holds all
     // it wrote, the file is otherwise as it was, and a save right after works.
-    void driveThroughFaults(const std::function<bool()> &writer)
+    // A writer that leaves the database as it is (a backup) only has to say truly whether it did
+    // its work: the database is the same either way.
+    void driveThroughFaults(const std::function<bool()> &writer, bool changesData = true)
     {
         restore();
         const QString before = snapshot();
@@ -115,7 +118,7 @@ class TestFaults : public SessionTest
         QVERIFY(writer());
         const int calls[2] = {FaultCalls(FaultOp::Write), FaultCalls(FaultOp::Sync)};
         const QString after = snapshot();
-        QVERIFY(after != before);
+        QVERIFY(changesData ? after != before : after == before);
         QVERIFY(calls[0] > 0 && calls[1] > 0);
         m_boxes->clear();
         for (const FaultOp op : {FaultOp::Write, FaultOp::Sync}) {
@@ -132,7 +135,7 @@ class TestFaults : public SessionTest
                                               .arg(calls[int(op)])
                                               .arg(code);
                     QVERIFY2(now == (saved ? after : before), qPrintable(where));
-                    if (!saved) {
+                    if (!saved && changesData) {
                         QVERIFY2(!m_boxes->prompts().join(u'\n').contains(QStringLiteral("INSERT")), qPrintable(where));
                         QVERIFY2(m_boxes->prompts().join(u'\n').contains(QStringLiteral("Nothing of this change was "
                                                                                         "stored.")),
@@ -152,7 +155,9 @@ private Q_SLOTS:
     {
         SKIP_ON_SERVER();
         SessionTest::init();
-        StoreTestRecipe(TestRecipe(QStringLiteral("Old soup"), {"1|cup|Lentils|lentils"}, {"Cook."}), 1);
+        RecipeData seed = TestRecipe(QStringLiteral("Old soup"), {"1|cup|Lentils|lentils"}, {"Cook."});
+        seed.rating = QStringLiteral("***");
+        StoreTestRecipe(seed, 1);
         ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('lentils', 'F', 0)"));
         ExecuteSQL(QStringLiteral("INSERT INTO MENU VALUES (0, '', 'Root', 'Menus')"));
         m_pristine = m_home->path(QStringLiteral("pristine.mdb"));
@@ -201,6 +206,36 @@ private Q_SLOTS:
             window.close();
             return saved;
         });
+    }
+
+    void ratingReset()
+    {
+        driveThroughFaults([this] {
+            m_boxes->answer(MsgResult::Yes);
+            ResetRatings();
+            return m_boxes->prompts().contains(QStringLiteral("All recipe ratings have been reset."));
+        });
+    }
+
+    // A backup said to be made is a whole recipe database; one that failed says so, and the
+    // database it copied is untouched either way.
+    void backup()
+    {
+        gSettings.Database = m_home->databasePath();
+        const QString copy = m_home->path(QStringLiteral("PANTRIO.BAK"));
+        QStringList notWhole;
+        driveThroughFaults(
+            [&] {
+                QFile::remove(copy);
+                m_boxes->answer(MsgResult::Yes);
+                BackupDatabase();
+                const bool made = m_boxes->prompts().join(u'\n').contains(QStringLiteral("Backup created as: "));
+                if (made && !RecipeDatabaseProblem(copy).isEmpty())
+                    notWhole << RecipeDatabaseProblem(copy);
+                return made;
+            },
+            false);
+        QVERIFY2(notWhole.isEmpty(), qPrintable(notWhole.join(u'\n')));
     }
 
     void transferImport()
@@ -345,6 +380,35 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE title LIKE 'Killed %' AND "
                                             "((SELECT count(*) FROM INGREDIENTS B WHERE B.recipe_id = A.id) <> 8 OR "
                                             "(SELECT count(*) FROM DIRECTIONS C WHERE C.recipe_id = A.id) <> 3)")),
+                 0);
+    }
+
+    // An import killed at random moments: every recipe it stored is whole, the file too.
+    void killedImportsLeaveWholeRecipes()
+    {
+        QByteArray collection;
+        for (int n = 0; n < 300; ++n)
+            collection +=
+                QByteArray(kMealMaster.toUtf8()).replace("Barley soup", "Barley soup " + QByteArray::number(n));
+        const QString file = m_home->path(QStringLiteral("big.mmf"));
+        WriteFile(file, collection);
+        QRandomGenerator random(31);
+        for (int kill = 0; kill < 6; ++kill) {
+            QProcess importer;
+            importer.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
+            importer.start(QStringLiteral(MIREPAN_IMPORT_LOOP), {file});
+            QVERIFY(importer.waitForReadyRead(10000));
+            QThread::msleep(50 + random.bounded(400));
+            importer.kill();
+            QVERIFY(importer.waitForFinished(10000));
+        }
+        CloseDatabase();
+        QVERIFY(OpenDatabase());
+        QCOMPARE(CheckDatabaseIntegrity(), QString());
+        QVERIFY(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE WHERE title LIKE 'Barley soup %'")) > 0);
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE A WHERE title LIKE 'Barley soup %' AND "
+                                            "((SELECT count(*) FROM INGREDIENTS B WHERE B.recipe_id = A.id) <> 2 OR "
+                                            "(SELECT count(*) FROM DIRECTIONS C WHERE C.recipe_id = A.id) <> 1)")),
                  0);
     }
 

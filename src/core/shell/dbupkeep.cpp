@@ -241,6 +241,7 @@ void ResetRatings()
     if (ReportNotConnected())
         return;
     gSQL = QStringLiteral("UPDATE RECIPE SET rating = ''");
-    ExecuteSQL(gSQL);
+    if (ExecuteSQL(gSQL).failed())
+        return; // said why; nothing is reported done that was not
     MsgBox(QStringLiteral("All recipe ratings have been reset."), Msg::Information, QStringLiteral("Message"));
 }
