@@ -192,11 +192,13 @@ struct EncodingScan {
 
     void feed(const char *data, qsizetype size)
     {
-        for (qsizetype i = 0; i < size; ++i)
-            weigh(static_cast<unsigned char>(data[i]));
-        for (qsizetype i = 0; i < size && valid; ++i) {
+        // One pass: the UTF-8 check and the weighing of the bytes where the two code pages differ.
+        for (qsizetype i = 0; i < size; ++i) {
             const auto b = static_cast<unsigned char>(data[i]);
-            if (pending > 0) {
+            weigh(b);
+            if (!valid) {
+                continue;
+            } else if (pending > 0) {
                 if ((b & 0xC0) != 0x80)
                     valid = false;
                 --pending;
