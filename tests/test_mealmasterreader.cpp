@@ -88,29 +88,66 @@ private Q_SLOTS:
         QCOMPARE(readAll(text), QStringList {Describe(layers)});
     }
 
-    void headerVariantsAndTwoColumns()
+    // Layouts as the format's writers and other programs place them. Each file holds one
+    // recipe titled "T"; the expected recipe's lines and steps follow the imported() notation.
+    void layoutsAsTheirWritersPlaceThem_data()
     {
-        // The right column starts at column 41.
-        const auto two = [](const char *left, const char *right) {
-            return QByteArray(left).leftJustified(40) + right + '\n';
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QStringList>("lines");
+        QTest::addColumn<QStringList>("steps");
+        QTest::addColumn<QString>("notes");
+        // The right column starts at column 42 (the writer's place), or at 41.
+        const auto two = [](const char *left, const char *right, int column = 42) {
+            return QByteArray(left).leftJustified(column - 1) + right + '\n';
         };
-        const QByteArray text = "Some words before the first recipe.\n"
-                                "---------- Recipe via Meal-Master (tm) v8.02\n"
-                                "      Title: Salad\n"
-                                " Categories: Salads\n"
-                                "   Servings: 4\n"
-                                "\n" +
-                                two("      1 c  Lettuce", "      2 tb Oil") +
-                                two("      2    Tomatoes", "    1/2 ts Salt") +
-                                "           -ripe\n"
-                                "\n"
-                                "  Toss.\n"
-                                "-----\n";
-        RecipeData salad = imported(QStringLiteral("Salad"),
-                                    {"1|cup|Lettuce", "2|---|Tomatoes ripe", "2|Tbsp|Oil", "1/2|tsp|Salt"}, {"Toss."});
-        salad.category = QStringLiteral("Salads");
-        salad.servings = QStringLiteral("4");
-        QCOMPARE(readAll(text), QStringList {Describe(salad)});
+        QTest::newRow("two columns, continued in both")
+            << two("      1 c  Lettuce", "      2 tb Oil") + two("      2    Tomatoes", "    1/2 ts Salt") +
+                   two("           -ripe", "           -fine") + "\n  Toss.\n"
+            << QStringList {"1|cup|Lettuce", "2|---|Tomatoes ripe", "2|Tbsp|Oil", "1/2|tsp|Salt fine"}
+            << QStringList {"Toss."} << QString();
+        QTest::newRow("two columns at 41")
+            << two("      1 c  Lettuce", "      2 tb Oil", 41) + two("      2    Tomatoes", "           Pepper", 41)
+            << QStringList {"1|cup|Lettuce", "2|---|Tomatoes", "2|Tbsp|Oil", "---|---|Pepper"} << QStringList()
+            << QString();
+        QTest::newRow("a section after a blank line, no amount first")
+            << QByteArray("      1 c  Flour\n\n           Salt to taste\n      2    Eggs\n\n  Mix.\n")
+            << QStringList {"1|cup|Flour", "---|---|Salt to taste", "2|---|Eggs"} << QStringList {"Mix."} << QString();
+        QTest::newRow("a heading, then a line without amount")
+            << QByteArray("      1 c  Flour\n\nMMMMM-----FILLING------\n           Jam\n\n  Fill.\n")
+            << QStringList {"1|cup|Flour", "---|---|Jam"} << QStringList {"Fill."}
+            << QStringLiteral("FILLING (before ingredient line 2)");
+        QTest::newRow("a heading that starts the directions")
+            << QByteArray("      1 c  Flour\n\nMMMMM-----METHOD------\n  Stir it all together well.\n")
+            << QStringList {"1|cup|Flour"} << QStringList {"METHOD", "Stir it all together well."} << QString();
+        QTest::newRow("further header lines")
+            << QByteArray("Contributor: Ann\n       Tags: quick, cheap\n      Yield: 2\n\n      1 c  Rice\n  Boil.\n")
+            << QStringList {"1|cup|Rice"} << QStringList {"Boil."}
+            << QStringLiteral("Contributor: Ann\n\nTags: quick, cheap");
+        QTest::newRow("Notes in the middle stay, at the end close")
+            << QByteArray(
+                   "      1 c  Rice\n\n  Boil.\n\n  Notes: use a lid.\n\n  Serve.\n\n  Notes: Ann's.\n  :Twice.\n")
+            << QStringList {"1|cup|Rice"} << QStringList {"Boil.", "Notes: use a lid.", "Serve."}
+            << QStringLiteral("Ann's.\nTwice.");
+        QTest::newRow("a double-dash continuation")
+            << QByteArray("    370 g  Cherries; dripped off (\n           --1 glass)\n")
+            << QStringList {"370|g|Cherries; dripped off ( 1 glass)"} << QStringList() << QString();
+    }
+    void layoutsAsTheirWritersPlaceThem()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QStringList, lines);
+        QFETCH(QStringList, steps);
+        QFETCH(QString, notes);
+        RecipeData expected = imported(QStringLiteral("T"), lines, steps);
+        expected.notes = notes;
+        if (body.contains("Yield"))
+            expected.servings = QStringLiteral("2");
+        const QByteArray fields = QByteArray("      Title: T\n") + (body.startsWith(' ') ? "\n" : "") + body;
+        QCOMPARE(readAll("MMMMM----- Recipe via Meal-Master (tm) v8.05\n" + fields + "MMMMM\n"),
+                 QStringList {Describe(expected)});
+        // The oldest versions: another header, and an end line of dashes of another length.
+        QCOMPARE(readAll("---------- Recipe via Meal-Master (tm) v6.10\n" + fields + "------------\n"),
+                 QStringList {Describe(expected)});
     }
 
     void encodingsAreDetected_data()

@@ -3,7 +3,9 @@
 #include "core/platform/platform.h"
 
 #include <QIODevice>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -76,9 +78,12 @@ bool isHeader(const QString &trimmed)
            trimmed.contains(QLatin1String("Meal-Master"), Qt::CaseInsensitive);
 }
 
+// "MMMMM", or a line of dashes alone: the oldest versions end a recipe with more than five.
 bool isEnd(const QString &trimmed)
 {
-    return trimmed == QLatin1String("MMMMM") || trimmed == QLatin1String("-----");
+    if (trimmed == QLatin1String("MMMMM"))
+        return true;
+    return trimmed.size() >= 5 && std::all_of(trimmed.begin(), trimmed.end(), [](QChar c) { return c == u'-'; });
 }
 
 // A heading inside the ingredient list ("MMMMM-----SAUCE-----"); its words, or "" when the
@@ -110,17 +115,26 @@ bool field(const QString &trimmed, QLatin1String key, QString &value)
     return true;
 }
 
-// The text in lines of at most room characters, broken at blanks; a word longer than the room
+// The text in lines of at most room characters, broken at single blanks only: a reader joins
+// the lines with one blank, so a run of blanks stays inside a line. What cannot be broken so
 // stands whole on its line.
 QStringList wrap(const QString &text, qsizetype room)
 {
+    const auto breakable = [](const QString &t, qsizetype at) {
+        return at > 0 && at + 1 < t.size() && t[at] == u' ' && t[at - 1] != u' ' && t[at + 1] != u' ';
+    };
     QStringList lines;
     QString rest = text;
     while (rest.size() > room) {
-        qsizetype at = rest.lastIndexOf(u' ', room);
-        if (at <= 0)
-            at = rest.indexOf(u' ', room);
-        if (at <= 0)
+        qsizetype at = room;
+        while (at > 0 && !breakable(rest, at))
+            --at;
+        if (at == 0) {
+            at = room + 1;
+            while (at < rest.size() && !breakable(rest, at))
+                ++at;
+        }
+        if (at >= rest.size())
             break;
         lines << rest.left(at);
         rest = rest.mid(at + 1);
@@ -213,6 +227,61 @@ struct EncodingScan {
             }
         }
     }
+};
+
+// A further header line some programs write ("Contributor: Ann", "       Tags: quick"): a few
+// words and a colon, at the line's start or with the colon where the header fields have theirs.
+bool isExtraHeader(const QString &text)
+{
+    qsizetype lead = 0;
+    while (lead < text.size() && text[lead] == u' ')
+        ++lead;
+    const qsizetype colon = text.indexOf(u':', lead);
+    if ((lead > 0 && colon != 11) || colon <= lead || colon - lead > 24 || !text[lead].isLetter())
+        return false;
+    if (colon + 1 < text.size() && text[colon + 1] != u' ')
+        return false;
+    for (qsizetype k = lead; k < colon; ++k)
+        if (!text[k].isLetter() && text[k] != u' ' && text[k] != u'-')
+            return false;
+    return true;
+}
+
+// The ingredients of a line in one column or two. The format's writers start the right column
+// at column 42; some programs start it at 41.
+struct IngredientColumns {
+    MealMasterIngredient left;
+    MealMasterIngredient right;
+    bool two = false;
+
+    explicit IngredientColumns(const QString &text)
+    {
+        if (text.size() > 41 && text.at(39) == u' ') {
+            for (const qsizetype at : {41, 40}) {
+                right = text.at(at - 1) == u' ' ? ParseMealMasterIngredient(text.mid(at)) : MealMasterIngredient();
+                if (right.ok)
+                    break;
+            }
+            left = ParseMealMasterIngredient(text.left(39));
+            two = right.ok && (left.ok || text.left(39).trimmed().isEmpty());
+        }
+        if (!two)
+            left = ParseMealMasterIngredient(text);
+        m_inTextColumn = text.size() > 11 && text.size() <= 39 && text.left(11).trimmed().isEmpty() && text[11] != u' ';
+    }
+
+    // Whether the line plainly is an ingredient, also where it could begin a paragraph: it has
+    // an amount or a measure, stands in two columns, or its text starts in the text column and
+    // fits it.
+    bool startsList() const
+    {
+        if (two)
+            return true;
+        return left.ok && (!left.amount.isEmpty() || !left.code.isEmpty() || m_inTextColumn);
+    }
+
+private:
+    bool m_inTextColumn = false;
 };
 
 } // namespace
@@ -426,12 +495,16 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
     QStringList kept; // what has no field of its own, for the notes
 
     qsizetype i = 0;
-    // The header fields.
+    // The header fields, and the further ones some programs write ("Contributor:", "Tags:")
+    // among them.
+    bool fieldsEnded = false;
     for (; i < lines.size(); ++i) {
         const QString t = lines[i].text.trimmed();
         QString value;
-        if (t.isEmpty())
+        if (t.isEmpty()) {
+            fieldsEnded = !r.title.isEmpty();
             continue;
+        }
         if (field(t, QLatin1String("Title"), value)) {
             r.title = value;
         } else if (field(t, QLatin1String("Categories"), value)) {
@@ -441,6 +514,8 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
                 kept << QStringLiteral("Categories: ") + value;
         } else if (field(t, QLatin1String("Yield"), value) || field(t, QLatin1String("Servings"), value)) {
             r.servings = value;
+        } else if (!fieldsEnded && isExtraHeader(lines[i].text)) {
+            kept << t;
         } else {
             break;
         }
@@ -451,10 +526,12 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
     QStringList headings;
     bool afterBlank = false;
     const auto add = [](QList<MealMasterIngredient> &list, const MealMasterIngredient &part) {
-        if (part.amount.isEmpty() && part.code.isEmpty() && part.text.startsWith(u'-') && !list.isEmpty())
-            list.last().text += u' ' + part.text.mid(1).trimmed();
-        else
+        if (part.amount.isEmpty() && part.code.isEmpty() && part.text.startsWith(u'-') && !list.isEmpty()) {
+            const qsizetype dashes = part.text.startsWith(QLatin1String("--")) ? 2 : 1;
+            list.last().text += u' ' + part.text.mid(dashes).trimmed();
+        } else {
             list.append(part);
+        }
     };
     for (; i < lines.size(); ++i) {
         const QString &text = lines[i].text;
@@ -464,28 +541,30 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
             continue;
         }
         if (const QString heading = headingOf(t); !heading.isEmpty()) {
+            // The ingredients' heading when an ingredient follows; else the directions start here.
+            qsizetype k = i + 1;
+            while (k < lines.size() && lines[k].text.trimmed().isEmpty())
+                ++k;
+            if (k == lines.size() || !IngredientColumns(lines[k].text).startsList())
+                break;
             headings << QStringLiteral("%1 (before ingredient line %2)")
                             .arg(heading)
                             .arg(columns[0].size() + columns[1].size() + 1);
+            afterBlank = false;
             continue;
         }
-        const MealMasterIngredient left = ParseMealMasterIngredient(text.size() > 40 ? text.left(39) : text);
-        const MealMasterIngredient right =
-            text.size() > 40 && text.at(39) == u' ' ? ParseMealMasterIngredient(text.mid(40)) : MealMasterIngredient();
-        const bool twoColumns = right.ok && (left.ok || text.left(39).trimmed().isEmpty());
-        const MealMasterIngredient whole = twoColumns ? left : ParseMealMasterIngredient(text);
-        if (!whole.ok && !twoColumns)
+        const IngredientColumns line(text);
+        if (!line.left.ok && !line.two)
             break;
-        // After a blank line only a line with an amount or a measure goes on with the list:
-        // an indented paragraph is the directions.
-        if (afterBlank && whole.amount.isEmpty() && whole.code.isEmpty() &&
-            !(twoColumns && (!right.amount.isEmpty() || !right.code.isEmpty())))
+        // After a blank line the list goes on only with a line that is plainly an ingredient:
+        // a paragraph of directions is indented less and has no amount or measure.
+        if (afterBlank && !line.startsList())
             break;
         afterBlank = false;
-        if (whole.ok)
-            add(columns[0], whole);
-        if (twoColumns)
-            add(columns[1], right);
+        if (line.left.ok)
+            add(columns[0], line.left);
+        if (line.two)
+            add(columns[1], line.right);
     }
     for (const auto &column : columns)
         for (const MealMasterIngredient &part : column) {
@@ -502,35 +581,31 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
                                   MealMasterCabinetName(item)});
         }
 
-    // The directions, a paragraph a step; then the times and the notes. Within a paragraph the
-    // lines run on, but the format's paragraph mark (byte 0x14) and a line that begins with ":"
-    // break the line there.
-    QStringList paragraph;
+    // The directions, a paragraph a step. Within a paragraph the lines run on, but the format's
+    // paragraph mark (byte 0x14) and a line that begins with ":" break the line there. A section
+    // heading among them is a heading line of its own.
+    QStringList paragraphs;
+    QList<QStringList> paragraphLines; // as they stood, for the times
     QString joined;
-    QStringList notes;
-    const auto flush = [&] {
-        if (paragraph.isEmpty())
-            return;
-        if (!notes.isEmpty() || joined.startsWith(kNotes)) {
-            notes << (notes.isEmpty() ? joined.mid(kNotes.size()) : joined);
-        } else if (!readTimes(paragraph, r)) {
-            r.directions.append({Format(r.directions.size() + 1, QStringLiteral("00")), joined});
+    QStringList read;
+    const auto close = [&] {
+        if (!read.isEmpty()) {
+            paragraphs << joined;
+            paragraphLines << read;
         }
-        paragraph.clear();
         joined.clear();
+        read.clear();
     };
     for (; i < lines.size(); ++i) {
         QString t = lines[i].text.trimmed();
         if (t.isEmpty()) {
-            flush();
+            close();
             continue;
         }
-        // A section heading among the directions is a plain heading line of its own.
         if (const QString heading = headingOf(t); !heading.isEmpty()) {
-            flush();
-            paragraph << heading;
-            joined = heading;
-            flush();
+            close();
+            paragraphs << heading;
+            paragraphLines << QStringList {heading};
             continue;
         }
         const bool forcedBreak = t.startsWith(u':');
@@ -542,15 +617,25 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
                 part = part.trimmed();
             t = parts.join(u'\n');
         }
-        if (!joined.isEmpty() && !joined.endsWith(u'\n'))
+        if (!read.isEmpty() && (forcedBreak || !joined.endsWith(u'\n')))
             joined += forcedBreak ? u'\n' : u' ';
         joined += t;
-        paragraph << t;
+        read << t;
     }
-    flush();
+    close();
 
-    notes << kept << headings;
-    r.notes = notes.join(QStringLiteral("\n\n"));
+    // The times' paragraph sets their fields; a "Notes:" paragraph that closes the recipe is the
+    // notes, one in the middle stays a step.
+    QString notes;
+    if (!paragraphs.isEmpty() && paragraphs.last().startsWith(kNotes))
+        notes = paragraphs.takeLast().mid(kNotes.size());
+    for (qsizetype k = 0; k < paragraphs.size(); ++k)
+        if (!readTimes(paragraphLines[k], r) && !readTimes(paragraphs[k].split(u'\n'), r))
+            r.directions.append({Format(r.directions.size() + 1, QStringLiteral("00")), paragraphs[k]});
+
+    if (!notes.isEmpty())
+        kept.prepend(notes);
+    r.notes = (kept << headings).join(QStringLiteral("\n\n"));
 }
 
 QStringList FormatMealMaster(const RecipeData &r, const MeasureCodes &codes)
@@ -561,10 +646,34 @@ QStringList FormatMealMaster(const RecipeData &r, const MeasureCodes &codes)
                      QStringLiteral(" Categories: ") + r.category,
                      QStringLiteral("      Yield: ") + r.servings,
                      QString()};
-    for (const IngredientLine &line : r.ingredients) {
+    // The ingredient headings that came in with the recipe go back out as section lines.
+    static const QRegularExpression headingNote(QStringLiteral("^(.+) \\(before ingredient line (\\d+)\\)$"));
+    QList<std::pair<qsizetype, QString>> headings; // before which line, as they came
+    QStringList notes;
+    for (const QString &paragraph : r.notes.split(QStringLiteral("\n\n"), Qt::SkipEmptyParts)) {
+        const QRegularExpressionMatch m = headingNote.match(paragraph);
+        const qsizetype before = m.hasMatch() ? m.captured(2).toLongLong() : 0;
+        if (before >= 1 && before <= r.ingredients.size() && !m.captured(1).contains(u'\n'))
+            headings.append({before, m.captured(1)});
+        else
+            notes << paragraph;
+    }
+    const auto sections = [&](qsizetype before) {
+        for (const auto &[at, heading] : headings)
+            if (at == before)
+                out << (QStringLiteral("MMMMM-----") + heading + u'-').leftJustified(70, u'-');
+    };
+    for (qsizetype k = 0; k < r.ingredients.size(); ++k) {
+        sections(k + 1);
+        const IngredientLine &line = r.ingredients[k];
         // What the columns cannot hold goes in front of the text, as a person would write it.
         QString amount = line.amount == kUnsetMeasure ? QString() : line.amount;
         QString code = line.measure == kUnsetMeasure ? QString() : codes.code(line.measure);
+        // A code the format does not know stays in its column and comes back as it stands.
+        if (code.isEmpty() && line.measure != kUnsetMeasure && codes.name(line.measure) == line.measure &&
+            ParseMealMasterIngredient(QStringLiteral("      1 ") + line.measure.leftJustified(2) + QStringLiteral(" x"))
+                .ok)
+            code = line.measure;
         QString text = line.ingredient;
         if (code.isEmpty() && line.measure != kUnsetMeasure)
             text = line.measure + u' ' + text;
@@ -574,18 +683,19 @@ QStringList FormatMealMaster(const RecipeData &r, const MeasureCodes &codes)
         }
         const QStringList parts = wrap(text, kIngredientRoom);
         out << amount.rightJustified(7) + u' ' + code.leftJustified(2) + u' ' + parts.first();
-        for (qsizetype k = 1; k < parts.size(); ++k)
-            out << QStringLiteral("           -") + parts[k];
+        for (qsizetype p = 1; p < parts.size(); ++p)
+            out << QStringLiteral("           -") + parts[p];
     }
-    // A line break inside a text starts its next line with ":", the format's forced break.
+    // A line break inside a text starts its next line with ":", the format's forced break; an
+    // empty line is a ":" alone, so the paragraph goes on.
     const auto paragraph = [&out](const QString &text) {
         out << QString();
-        bool first = true;
-        for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts)) {
-            const QStringList parts = wrap(line, kDirectionRoom);
+        const QStringList lines = text.split(u'\n');
+        for (qsizetype n = 0; n < lines.size(); ++n) {
+            const QStringList parts = wrap(lines[n], kDirectionRoom);
             for (qsizetype k = 0; k < parts.size(); ++k)
-                out << (k == 0 && !first ? QStringLiteral("  :") : QStringLiteral("  ")) + parts[k];
-            first = false;
+                out << ((k == 0 && (n > 0 || parts[k].isEmpty())) ? QStringLiteral("  :") : QStringLiteral("  ")) +
+                           parts[k];
         }
     };
     for (const DirectionLine &line : r.directions)
@@ -597,12 +707,8 @@ QStringList FormatMealMaster(const RecipeData &r, const MeasureCodes &codes)
             times << kTimeKeys[k] + QStringLiteral(": ") + *values[k];
     if (!times.isEmpty())
         paragraph(times.join(u'\n'));
-    if (!r.notes.isEmpty()) {
-        const QStringList notes = r.notes.split(QStringLiteral("\n\n"));
-        paragraph(kNotes + notes.first());
-        for (qsizetype k = 1; k < notes.size(); ++k)
-            paragraph(notes[k]);
-    }
+    if (!notes.isEmpty())
+        paragraph(kNotes + notes.join(QStringLiteral("\n\n")));
     out << QString() << QStringLiteral("MMMMM");
     return out;
 }
