@@ -157,8 +157,7 @@ private Q_SLOTS:
         SessionTest::init();
         RecipeData seed = TestRecipe(QStringLiteral("Old soup"), {"1|cup|Lentils|lentils"}, {"Cook."});
         seed.rating = QStringLiteral("***");
-        StoreTestRecipe(seed, 1);
-        ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('lentils', 'F', 0)"));
+        StoreTestRecipe(seed, 1); // with its cabinet item
         ExecuteSQL(QStringLiteral("INSERT INTO MENU VALUES (0, '', 'Root', 'Menus')"));
         m_pristine = m_home->path(QStringLiteral("pristine.mdb"));
         CloseDatabase();

@@ -59,6 +59,7 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 3);
         QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 21);
         QCOMPARE(LoadRecipe(3).title, QStringLiteral("Apple Pie"));
+        QCOMPARE(QueryNumber("SELECT count(*) FROM CABINET WHERE available = FALSE AND type = 'F'"), 7); // the pie's
         QVERIFY(!QFile::exists(m_home->path(QStringLiteral("more-rejected.txt"))));
     }
 

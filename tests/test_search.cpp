@@ -171,6 +171,10 @@ private Q_SLOTS:
               {"banana", "apple"});
         store(3, QStringLiteral("Cherry Pie"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"cherry"});
         store(4, QStringLiteral("Apple Tart"), QStringLiteral("Food"), QStringLiteral("00:30"), QString(), {"Apple"});
+        // Saving put the new names in the cabinet, as not at hand.
+        QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32> {4}));
+        // Names the household took out of the cabinet do not keep a recipe out.
+        ExecuteSQL("DELETE * FROM CABINET WHERE item = 'unknown thing' OR item = ''");
         QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32> {1, 4}));
         QVERIFY(IsRecipeAvailable({1, 4, 9}, 4));
         QVERIFY(!IsRecipeAvailable({1, 4, 9}, 5));

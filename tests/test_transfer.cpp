@@ -181,7 +181,12 @@ private Q_SLOTS:
         const QStringList ids {store(recipe(QStringLiteral("One"))), store(recipe(QStringLiteral("Two"), 3, 2))};
         exportRecipes(ids);
         m_boxes->clear();
+        ExecuteSQL(QStringLiteral("DELETE * FROM CABINET")); // the import puts the names back
         importFile();
+        QCOMPARE(
+            QueryNumber(QStringLiteral("SELECT count(*) FROM CABINET")),
+            QueryNumber(QStringLiteral("SELECT count(*) FROM (SELECT DISTINCT cabinet FROM INGREDIENTS) AS names")));
+        QVERIFY(QueryNumber(QStringLiteral("SELECT count(*) FROM CABINET")) > 0);
         QCOMPARE(m_boxes->boxes.first().prompt, QStringLiteral("This will import recipes from ") + m_file +
                                                     QStringLiteral(".  \n\nWould you like to continue?"));
         QCOMPARE(m_boxes->boxes.last().prompt,

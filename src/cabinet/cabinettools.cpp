@@ -1,4 +1,6 @@
 #include "cabinettools.h"
+
+#include "recipes/cabinetnames.h"
 #include "stem.h"
 
 #include "core/ui/controls.h"
@@ -154,37 +156,19 @@ void RefreshCabinet()
     bool kept = true;
     runTool(QStringLiteral("Refreshing cabinet..."), QStringLiteral("added"),
             [&kept](ProgressCounter &progress, QStringList &passedOver) {
-                // Only the pairs not yet in the cabinet are inserted: an existing pair would fail as a
-                // duplicate, once for every item the household already has.
-                QSet<QString> present;
-                for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT item, type FROM CABINET")); rs && !rs.eof();
-                     rs.MoveNext())
-                    present.insert(rs.text(0).toUpper() + u'\n' + rs.text(1).toUpper());
-                QList<std::pair<QString, QString>> missing;
+                // Every name the recipes use, the empty one of a line brought in without one too.
+                CabinetNames used;
                 gSQL = QStringLiteral(
                     "SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID");
-                for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext()) {
-                    const QString cabinet = rs.text(0);
-                    const QString type = rs.text(1);
-                    // Every name the recipes use, the empty one of a line brought in without one too.
-                    if (!present.contains(cabinet.toUpper() + u'\n' + type.toUpper())) {
-                        present.insert(cabinet.toUpper() + u'\n' + type.toUpper());
-                        missing.append({cabinet, type});
-                    }
-                }
+                for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
+                    used.add(rs.text(0), rs.text(1));
                 StatementBatch batch; // one commit for all the new items
                 if (!batch.begun()) {
                     batch.reportFailure();
                     kept = false;
                     return;
                 }
-                for (const auto &[cabinet, type] : missing) {
-                    gSQL = QStringLiteral("INSERT INTO CABINET VALUES ('") + cabinet + QStringLiteral("', '") + type +
-                           QStringLiteral("', 0)");
-                    if (ExecuteSQL(gSQL).failed())
-                        passedOver.append(cabinet);
-                    progress.advance();
-                }
+                passedOver << AddCabinetItems(used, [&progress] { progress.advance(); });
                 if (!batch.commit()) {
                     batch.reportFailure();
                     kept = false;

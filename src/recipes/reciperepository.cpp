@@ -1,5 +1,7 @@
 #include "reciperepository.h"
 
+#include "cabinetnames.h"
+
 #include "core/db/database.h"
 #include "core/platform/platform.h"
 
@@ -121,7 +123,8 @@ QStringList RecipeInsertStatements(const RecipeData &r, qint32 id)
     return statements;
 }
 
-bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem, qint32 *storedId)
+bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem, qint32 *storedId,
+                 bool addCabinetNames)
 {
     StatementBatch batch;
     const auto refuse = [&](const QString &why) {
@@ -149,6 +152,12 @@ bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *pro
     if (const QString differs = difference(recipe, LoadRecipe(id)); !differs.isEmpty()) {
         const QString known = UnstorableText(recipe);
         return refuse(known.isEmpty() ? differs : known);
+    }
+    if (addCabinetNames) {
+        CabinetNames names;
+        names.add(recipe);
+        if (!AddCabinetItems(names).isEmpty())
+            return refuse({});
     }
     if (!batch.commit())
         return refuse(batch.failure());

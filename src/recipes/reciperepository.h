@@ -7,14 +7,14 @@
 
 // The INSERT statements that store the recipe under the identifier, in order.
 QStringList RecipeInsertStatements(const RecipeData &recipe, qint32 id);
-// Stores the recipe under the identifier; with replace, the stored recipe of that identifier
-// (and so its lines) is deleted first. All or nothing: the stored recipe is read back before
-// the commit, and when any statement failed or any text differs from the recipe given,
-// nothing is kept, false is returned and problem (when given) says which text and why.
-// Identifier 0 stores a new recipe under the next free identifier, taken inside the same
-// commit so that no other writer can take it meanwhile; storedId says which it was.
+// Stores the recipe under the identifier, and its new cabinet names in the cabinet; with replace, the stored recipe of
+// that identifier (and so its lines) is deleted first. All or nothing: the stored recipe is read back before the
+// commit, and when any statement failed or any text differs from the recipe given, nothing is kept, false is returned
+// and problem (when given) says which text and why. Identifier 0 stores a new recipe under the next free identifier,
+// taken inside the same commit so that no other writer can take it meanwhile; storedId says which it was. A caller that
+// stores many recipes in one batch may add the cabinet names once, at its end.
 bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *problem = nullptr,
-                 qint32 *storedId = nullptr);
+                 qint32 *storedId = nullptr, bool addCabinetNames = true);
 // Why a recipe cannot be stored as it stands, naming the text; "" when nothing is known.
 // An apostrophe that touches a comma or a parenthesis is taken for the end of its text.
 QString UnstorableText(const RecipeData &recipe);

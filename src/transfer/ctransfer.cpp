@@ -6,6 +6,7 @@
 #include "core/ui/msgbox.h"
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
+#include "recipes/cabinetnames.h"
 
 #include <QRegularExpression>
 
@@ -13,6 +14,18 @@
 #include <cmath>
 
 namespace {
+
+// The cabinet names of the recipes stored from the identifier on.
+CabinetNames newCabinetNames(qint32 firstId)
+{
+    CabinetNames names;
+    gSQL = QStringLiteral("SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID "
+                          "AND B.ID >= ") +
+           QString::number(firstId);
+    for (Recordset rs = ExecuteSQL(gSQL); rs && !rs.eof(); rs.MoveNext())
+        names.add(rs.text(0), rs.text(1));
+    return names;
+}
 
 const QString kSeparator = QStringLiteral(" | ");
 const QString kIdSection = QStringLiteral("ID");
@@ -172,6 +185,7 @@ void cTransfer::Import()
         // One commit for the whole file: a commit per recipe would wait for the disk a thousand
         // times. A failed line fails alone; the recipes before a fault stay.
         StatementBatch batch;
+        const qint32 firstNew = batch.begun() ? NextId(QStringLiteral("RECIPE")) : 0;
         for (m_section = 1; batch.begun(); ++m_section) {
             ShowStatusStep(QStringLiteral("Importing recipe ") + QString::number(m_section) + QStringLiteral(" from ") +
                                FileName,
@@ -181,6 +195,9 @@ void cTransfer::Import()
             if (lines.size() <= 1)
                 break;
         }
+        // The new cabinet names of the file's recipes, in the same commit.
+        if (stored > 0 && !AddCabinetItems(newCabinetNames(firstNew)).isEmpty())
+            batch.fail();
         if (!batch.commit())
             notStored = batch.failure();
         m_leftOut << failures.texts();

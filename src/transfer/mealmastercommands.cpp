@@ -12,6 +12,7 @@
 #include "core/ui/msgbox.h"
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
+#include "recipes/cabinetnames.h"
 #include "recipes/reciperepository.h"
 #include "search/frmsearch.h"
 #include "core/ui/voicewindows.h"
@@ -74,10 +75,13 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         // inside this one).
         StatementBatch batch;
         GatheredFailures failures; // named once in the closing summary, not a box each
+        CabinetNames names; // of the recipes stored, added to the cabinet once
         for (int number = 1; batch.begun() && feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
-                if (!StoreRecipe(read.recipe, 0, false, &problem) && problem.isEmpty())
+                if (StoreRecipe(read.recipe, 0, false, &problem, nullptr, false))
+                    names.add(read.recipe);
+                else if (problem.isEmpty())
                     problem = QStringLiteral("the database refused it");
             }
             if (problem.isEmpty()) {
@@ -99,6 +103,9 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
             }
         }
         result.reasons << failures.texts();
+        // The file's new cabinet names, in the same commit as its recipes.
+        if (!AddCabinetItems(names).isEmpty())
+            batch.fail();
         if (!batch.commit()) {
             // The file's recipes were read but not kept: the count says what is really stored.
             result = before;
