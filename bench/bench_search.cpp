@@ -78,6 +78,8 @@ int main(int argc, char *argv[])
 
     PrintFigure("cabinet.available_list.ms", medianMs(7, [] { BuildAvailableRecipeList(QStringLiteral("Food")); }),
                 "ms");
+    PrintFigure("cabinet.available_list.walk.ms", medianMs(7, [] { WalkAvailableRecipes(QStringLiteral("Food")); }),
+                "ms");
 
     int lines = 0;
     SetPrintPreviewSink([&](const RecipePrinter &p) { lines = int(p.lines().size()); });

@@ -1,5 +1,6 @@
 // MealMaster collections: files read in (layouts, encodings, damage), written out and read back.
 
+#include "cabinet/modcabinet.h"
 #include "core/db/database.h"
 #include "core/ui/frmstatus.h"
 #include "recipes/reciperepository.h"
@@ -60,6 +61,9 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS"), 21);
         QCOMPARE(LoadRecipe(3).title, QStringLiteral("Apple Pie"));
         QCOMPARE(QueryNumber("SELECT count(*) FROM CABINET WHERE available = FALSE AND type = 'F'"), 7); // the pie's
+        ExecuteSQL("UPDATE CABINET SET available = TRUE");
+        QCOMPARE(BuildAvailableRecipeList(QStringLiteral("Food")), (QList<qint32> {1, 2, 3}));
+        QCOMPARE(WalkAvailableRecipes(QStringLiteral("Food")), (QList<qint32> {1, 2, 3}));
         QVERIFY(!QFile::exists(m_home->path(QStringLiteral("more-rejected.txt"))));
     }
 

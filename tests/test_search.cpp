@@ -3,6 +3,8 @@
 #include "cabinet/modcabinet.h"
 #include "core/platform/appstate.h"
 #include "core/db/database.h"
+#include "recipes/cabinetavailability.h"
+#include "recipes/cabinetnames.h"
 #include "recipes/frmadd2.h"
 #include "recipes/reciperepository.h"
 #include "reports/recipeprinter.h"
@@ -16,6 +18,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRandomGenerator>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -157,6 +160,67 @@ private Q_SLOTS:
                 "You have the setting checked off to limit the results to only recipes entered after installation.")});
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Confirmation"));
         QCOMPARE(s->lblResults->text(), QStringLiteral("Results: 0"));
+    }
+
+    // The availability the database keeps answers what walking every line answers, after any
+    // mix of saves, deletions, ticks, new, renamed and removed items and repaired lines.
+    void keptAvailabilityAgreesWithTheWalk()
+    {
+        SKIP_ON_SERVER();
+        QVERIFY(CabinetAvailabilityIsKept());
+        QRandomGenerator random(31);
+        const QStringList names {"salt", "SALT", "Flour", "flour", "Épices", "épices", "egg", "", "milk", "oil"};
+        const QStringList types {"F", "D", "O"};
+        const auto pick = [&](const QStringList &from) { return from[random.bounded(int(from.size()))]; };
+        const auto item = [&] { return QStringLiteral("item = '%1' AND type = '%2'").arg(pick(names), pick(types)); };
+        for (int round = 0; round < 400; ++round) {
+            switch (random.bounded(8)) {
+            case 7: { // an import's way: the lines counted at its end, its new names added before
+                StatementBatch batch;
+                CabinetAvailabilityBulk counted;
+                CabinetNames added;
+                for (int n = random.bounded(3); n >= 0; --n) {
+                    const RecipeData r = TestRecipe(QStringLiteral("I"), {QStringLiteral("1|cup|x|") + pick(names)});
+                    QVERIFY(StoreRecipe(r, 0, false, nullptr, nullptr, false));
+                    added.add(r);
+                }
+                QVERIFY(AddCabinetItems(added).isEmpty() && counted.finish() && batch.commit());
+                ExecuteSQL(QStringLiteral("DELETE * FROM RECIPE WHERE ID > 40"));
+                break;
+            }
+            case 0:
+            case 1: {
+                QStringList lines;
+                for (int n = random.bounded(5); n > 0; --n)
+                    lines << QStringLiteral("1|cup|x|") + pick(names);
+                const int id = 1 + random.bounded(40);
+                ExecuteSQL(QStringLiteral("DELETE * FROM RECIPE WHERE ID = %1").arg(id)); // saved over
+                StoreTestRecipe(TestRecipe(QStringLiteral("R"), lines, {}, QStringList {"Food", "Drink"}[round % 2]),
+                                id);
+                break;
+            }
+            case 2:
+                ExecuteSQL(QStringLiteral("DELETE * FROM RECIPE WHERE ID = %1").arg(1 + random.bounded(40)));
+                break;
+            case 3:
+                ExecuteSQL(QStringLiteral("UPDATE CABINET SET available = %1 WHERE ").arg(random.bounded(2)) + item());
+                break;
+            case 4:
+                ExecuteSQL(QStringLiteral("DELETE * FROM CABINET WHERE ") + item());
+                break;
+            case 5:
+                ExecuteSQL(QStringLiteral("UPDATE CABINET SET item = '%1', available = %2 WHERE ")
+                               .arg(pick(names))
+                               .arg(random.bounded(2)) +
+                           item());
+                break;
+            default:
+                ExecuteSQL(QStringLiteral("UPDATE INGREDIENTS SET cabinet = '%1' WHERE cabinet = '%2'")
+                               .arg(pick(names), pick(names)));
+            }
+            for (const QString &type : types)
+                QCOMPARE(KeptAvailableRecipes(type).value(), WalkAvailableRecipes(type));
+        }
     }
 
     void cabinetFilter()

@@ -2,12 +2,22 @@
 
 #include "core/ui/controls.h"
 #include "core/db/database.h"
+#include "recipes/cabinetavailability.h"
 
 #include <algorithm>
 
 QList<qint32> BuildAvailableRecipeList(const QString &recipeType)
 {
     WaitCursor busy;
+    // The database keeps the answer as the cabinet and the recipes change; only a database
+    // that does not (a server, a read-only file) has its lines walked.
+    if (std::optional<QList<qint32>> kept = KeptAvailableRecipes(recipeType))
+        return *kept;
+    return WalkAvailableRecipes(recipeType);
+}
+
+QList<qint32> WalkAvailableRecipes(const QString &recipeType)
+{
     QList<qint32> available;
     gSQL = QStringLiteral("SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item and b.type = '") +
            recipeType.left(1) + QStringLiteral("' ORDER BY recipe_id, ingred_id");

@@ -6,6 +6,7 @@
 #include "core/ui/msgbox.h"
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
+#include "recipes/cabinetavailability.h"
 #include "recipes/cabinetnames.h"
 
 #include <QRegularExpression>
@@ -186,6 +187,7 @@ void cTransfer::Import()
         // times. A failed line fails alone; the recipes before a fault stay.
         StatementBatch batch;
         const qint32 firstNew = batch.begun() ? NextId(QStringLiteral("RECIPE")) : 0;
+        CabinetAvailabilityBulk counted;
         for (m_section = 1; batch.begun(); ++m_section) {
             ShowStatusStep(QStringLiteral("Importing recipe ") + QString::number(m_section) + QStringLiteral(" from ") +
                                FileName,
@@ -196,7 +198,7 @@ void cTransfer::Import()
                 break;
         }
         // The new cabinet names of the file's recipes, in the same commit.
-        if (stored > 0 && !AddCabinetItems(newCabinetNames(firstNew)).isEmpty())
+        if ((stored > 0 && !AddCabinetItems(newCabinetNames(firstNew)).isEmpty()) || !counted.finish())
             batch.fail();
         if (!batch.commit())
             notStored = batch.failure();

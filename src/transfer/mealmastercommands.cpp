@@ -12,6 +12,7 @@
 #include "core/ui/msgbox.h"
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
+#include "recipes/cabinetavailability.h"
 #include "recipes/cabinetnames.h"
 #include "recipes/reciperepository.h"
 #include "search/frmsearch.h"
@@ -76,6 +77,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         StatementBatch batch;
         GatheredFailures failures; // named once in the closing summary, not a box each
         CabinetNames names; // of the recipes stored, added to the cabinet once
+        CabinetAvailabilityBulk counted;
         for (int number = 1; batch.begun() && feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
@@ -104,7 +106,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         }
         result.reasons << failures.texts();
         // The file's new cabinet names, in the same commit as its recipes.
-        if (!AddCabinetItems(names).isEmpty())
+        if (!AddCabinetItems(names).isEmpty() || !counted.finish())
             batch.fail();
         if (!batch.commit()) {
             // The file's recipes were read but not kept: the count says what is really stored.

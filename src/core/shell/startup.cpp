@@ -15,6 +15,7 @@
 #include "core/db/schema.h"
 #include "core/platform/atomicfile.h"
 #include "core/platform/platform.h"
+#include "recipes/cabinetavailability.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -125,8 +126,14 @@ void CheckDatabaseAtStartup()
     }
     const QString damage = CheckDatabaseIntegrity();
     SetKnownDamage(damage);
-    if (damage.isEmpty())
+    if (damage.isEmpty()) {
+        // Once for a collection from before: the database keeps what the cabinet can make.
+        if (!CabinetAvailabilityIsKept()) {
+            StatusGuard status(QStringLiteral("Preparing the cabinet search..."));
+            KeepCabinetAvailability();
+        }
         return;
+    }
     MsgBox(QStringLiteral("The recipe database ") + gConn().databaseName() + QStringLiteral(" is damaged (") + damage +
                QStringLiteral(").\n\nMirepan shows the recipes it can still read but saves nothing into the damaged "
                               "file, so that the damage does not spread. Restore your last backup (Tools, Database, "

@@ -1,0 +1,147 @@
+#include "cabinetavailability.h"
+
+#include "core/db/database.h"
+#include "core/db/integrity.h"
+
+namespace {
+
+const QString kPause = QStringLiteral("CABINET_AVAILABILITY_PAUSE");
+
+// The recipes from this identifier on are counted at the end of a bulk import instead of line
+// by line (see CabinetAvailabilityBulk).
+#define BELOW_PAUSE(id) id " < (SELECT coalesce(min(from_id), 9223372036854775807) FROM CABINET_AVAILABILITY_PAUSE)"
+
+// The counts of the lines of one recipe (or of a bulk's recipes) against the cabinet's items.
+#define COUNT_LINES(where)                                                                                             \
+    "INSERT INTO CABINET_AVAILABILITY (recipe_id, type, matched, missing) SELECT I.recipe_id, C.type, count(*), "      \
+    "sum(C.available = 0) FROM INGREDIENTS I, CABINET C WHERE C.item = I.cabinet AND " where                           \
+    " GROUP BY I.recipe_id, C.type ON CONFLICT (recipe_id, type) DO UPDATE SET matched = matched + excluded.matched, " \
+    "missing = missing + excluded.missing"
+
+// A line taken out of the counts of every type that has its item.
+#define LINE_OUT                                                                                                       \
+    "UPDATE CABINET_AVAILABILITY SET matched = matched - 1, missing = missing - (SELECT C.available = 0 FROM "         \
+    "CABINET C WHERE C.item = old.cabinet AND C.type = CABINET_AVAILABILITY.type) WHERE recipe_id = old.recipe_id "    \
+    "AND type IN (SELECT C.type FROM CABINET C WHERE C.item = old.cabinet) AND " BELOW_PAUSE("old.recipe_id") ";"
+
+// An item's lines taken out of (sign -) or into (sign +) the counts of its type.
+#define ITEM_LINES(row, sign)                                                                                          \
+    "UPDATE CABINET_AVAILABILITY SET matched = matched " sign " (SELECT count(*) FROM INGREDIENTS I WHERE "            \
+    "I.recipe_id = CABINET_AVAILABILITY.recipe_id AND I.cabinet = " row ".item), missing = missing " sign " (" row     \
+    ".available = 0) * (SELECT count(*) FROM INGREDIENTS I WHERE I.recipe_id = CABINET_AVAILABILITY.recipe_id AND "    \
+    "I.cabinet = " row ".item) WHERE type = " row ".type AND recipe_id IN (SELECT I.recipe_id FROM INGREDIENTS I "     \
+    "WHERE I.cabinet = " row ".item AND " BELOW_PAUSE("I.recipe_id") ");"
+
+#define ITEM_IN                                                                                                        \
+    "INSERT INTO CABINET_AVAILABILITY (recipe_id, type, matched, missing) SELECT I.recipe_id, new.type, count(*), "    \
+    "count(*) * (new.available = 0) FROM INGREDIENTS I WHERE I.cabinet = new.item AND " BELOW_PAUSE(                   \
+        "I.recipe_id") " GROUP BY I.recipe_id ON CONFLICT (recipe_id, type) DO UPDATE SET matched = matched + "        \
+                       "excluded.matched, "                                                                            \
+                       "missing = missing + excluded.missing;"
+
+// The table and the triggers that keep it. Each cabinet name matches at most one item of a type
+// (items are unique per name and type, compared as the join compares them), so a line is
+// satisfied exactly when its item is available.
+const char *const kKeeping[] = {
+    "CREATE TABLE CABINET_AVAILABILITY (recipe_id INTEGER NOT NULL, type TEXT COLLATE NOCASE NOT NULL, "
+    "matched INTEGER NOT NULL, missing INTEGER NOT NULL, PRIMARY KEY (recipe_id, type)) WITHOUT ROWID",
+    "CREATE INDEX CABINET_AVAILABILITY_ready ON CABINET_AVAILABILITY(type, missing, recipe_id)",
+    "CREATE TABLE CABINET_AVAILABILITY_PAUSE (from_id INTEGER NOT NULL)",
+    // A line comes: it counts for each type that has its item.
+    "CREATE TRIGGER CABINET_AVAILABILITY_line_in AFTER INSERT ON INGREDIENTS WHEN " BELOW_PAUSE(
+        "new.recipe_id") " BEGIN " COUNT_LINES("I.recipe_id = new.recipe_id AND I.ingred_id = new.ingred_id") "; END",
+    // A line goes (also with its recipe).
+    "CREATE TRIGGER CABINET_AVAILABILITY_line_out AFTER DELETE ON INGREDIENTS BEGIN " LINE_OUT " END",
+    // A line renamed (the cabinet tools' repair): as gone and come again.
+    "CREATE TRIGGER CABINET_AVAILABILITY_line_moved AFTER UPDATE OF recipe_id, cabinet ON INGREDIENTS BEGIN " LINE_OUT
+        COUNT_LINES(
+            "I.recipe_id = new.recipe_id AND I.ingred_id = new.ingred_id AND " BELOW_PAUSE("new.recipe_id")) "; END",
+    // An item comes, goes, is ticked or unticked, or renamed.
+    "CREATE TRIGGER CABINET_AVAILABILITY_item_in AFTER INSERT ON CABINET BEGIN " ITEM_IN " END",
+    "CREATE TRIGGER CABINET_AVAILABILITY_item_out AFTER DELETE ON CABINET BEGIN " ITEM_LINES("old", "-") " END",
+    "CREATE TRIGGER CABINET_AVAILABILITY_tick AFTER UPDATE OF available ON CABINET WHEN old.item IS new.item AND "
+    "old.type IS new.type AND (old.available = 0) <> (new.available = 0) BEGIN " ITEM_LINES("old", "-")
+        ITEM_LINES("new", "+") " END",
+    "CREATE TRIGGER CABINET_AVAILABILITY_item_moved AFTER UPDATE OF item, type ON CABINET WHEN old.item IS NOT "
+    "new.item OR old.type IS NOT new.type BEGIN " ITEM_LINES("old", "-") ITEM_IN " END",
+    // What is stored now.
+    COUNT_LINES("1 = 1"),
+};
+
+bool onFile()
+{
+    return gConn().isOpen() && gConn().driverName() == u"QSQLITE";
+}
+
+bool isKept()
+{
+    if (!onFile())
+        return false;
+    const Recordset rs =
+        ExecuteSQL(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = '") + kPause + u'\'');
+    return rs && !rs.eof() && rs.integer(0) > 0;
+}
+
+} // namespace
+
+bool KeepCabinetAvailability()
+{
+    if (!onFile() || gNotConnected)
+        return false;
+    if (isKept())
+        return true;
+    if (DatabaseIsReadOnly() || !KnownDamage().isEmpty())
+        return false;
+    StatementBatch batch;
+    if (!batch.begun())
+        return false;
+    for (const char *statement : kKeeping)
+        if (ExecuteSQL(QString::fromLatin1(statement)).failed())
+            return false; // rolled back with the batch; the search walks the lines meanwhile
+    return batch.commit();
+}
+
+std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType)
+{
+    if (!isKept())
+        return std::nullopt;
+    QList<qint32> available;
+    gSQL = QStringLiteral("SELECT recipe_id FROM CABINET_AVAILABILITY WHERE type = '") + recipeType.left(1) +
+           QStringLiteral("' AND missing = 0 AND matched > 0 ORDER BY recipe_id");
+    Recordset rs = ExecuteSQL(gSQL);
+    if (!rs)
+        return std::nullopt;
+    for (; !rs.eof(); rs.MoveNext())
+        available.append(qint32(rs.integer(0)));
+    return available;
+}
+
+bool CabinetAvailabilityIsKept()
+{
+    return isKept();
+}
+
+CabinetAvailabilityBulk::CabinetAvailabilityBulk()
+{
+    if (!isKept())
+        return;
+    m_from = NextId(QStringLiteral("RECIPE"));
+    if (ExecuteSQL(QStringLiteral("INSERT INTO CABINET_AVAILABILITY_PAUSE VALUES (%1)").arg(m_from)).failed())
+        m_from = 0;
+}
+
+CabinetAvailabilityBulk::~CabinetAvailabilityBulk()
+{
+    if (m_from) // not finished: the batch is rolled back, and the pause with it
+        ExecuteSQL(QStringLiteral("DELETE FROM CABINET_AVAILABILITY_PAUSE WHERE from_id = %1").arg(m_from));
+}
+
+bool CabinetAvailabilityBulk::finish()
+{
+    if (!m_from)
+        return true;
+    const qint64 from = std::exchange(m_from, 0);
+    return !ExecuteSQL(QStringLiteral("DELETE FROM CABINET_AVAILABILITY_PAUSE WHERE from_id = %1").arg(from))
+                .failed() &&
+           !ExecuteSQL(QString::fromLatin1(COUNT_LINES("I.recipe_id >= %1")).arg(from)).failed();
+}
