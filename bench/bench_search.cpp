@@ -76,6 +76,18 @@ int main(int argc, char *argv[])
     measure("search.title_50k_pattern", nullptr,
             [&] { search.txtTitle->setText(QString(24997, u'e') + QStringLiteral("%x")); });
 
+    // What the kept indexes add to the file.
+    {
+        const auto bytes = [](const char *where) {
+            const Recordset rs =
+                ExecuteSQL(QStringLiteral("SELECT sum(pgsize) FROM dbstat WHERE ") + QLatin1String(where));
+            return rs && !rs.eof() ? double(rs.integer(0)) : 0.0;
+        };
+        const double all = bytes("1 = 1");
+        const double kept = bytes("name LIKE 'INGREDIENTS_TRIGRAMS%' OR name LIKE 'CABINET_AVAILABILITY%'");
+        PrintFigure("db.mib", all / 1048576, "MiB");
+        PrintFigure("db.search_indexes.share", 100 * kept / std::max(1.0, all - kept), "% added", "<= 35 % added");
+    }
     PrintFigure("cabinet.available_list.ms", medianMs(7, [] { BuildAvailableRecipeList(QStringLiteral("Food")); }),
                 "ms");
     PrintFigure("cabinet.available_list.walk.ms", medianMs(7, [] { WalkAvailableRecipes(QStringLiteral("Food")); }),

@@ -7,7 +7,7 @@
 #include "core/db/datasources.h"
 #include "core/ui/msgbox.h"
 #include "core/db/schema.h"
-#include "recipes/cabinetavailability.h"
+#include "recipes/searchindexes.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -152,7 +152,7 @@ BenchHome::BenchHome(int recipes) : d(std::make_unique<Private>())
     source.name = kDataSourceName;
     source.database = database;
     RegisterDataSource(source);
-    if (!OpenDatabase() || !KeepCabinetAvailability()) // as at the program's start
+    if (!OpenDatabase() || !KeepSearchIndexes()) // as at the program's start
         qFatal("cannot open the benchmark database");
     SetResponder(&d->yes);
     InstallWindowVoice();

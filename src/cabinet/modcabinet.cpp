@@ -2,7 +2,7 @@
 
 #include "core/ui/controls.h"
 #include "core/db/database.h"
-#include "recipes/cabinetavailability.h"
+#include "recipes/searchindexes.h"
 
 #include <algorithm>
 

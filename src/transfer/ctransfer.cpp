@@ -6,7 +6,7 @@
 #include "core/ui/msgbox.h"
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
-#include "recipes/cabinetavailability.h"
+#include "recipes/searchindexes.h"
 #include "recipes/cabinetnames.h"
 
 #include <QRegularExpression>
@@ -187,7 +187,7 @@ void cTransfer::Import()
         // times. A failed line fails alone; the recipes before a fault stay.
         StatementBatch batch;
         const qint32 firstNew = batch.begun() ? NextId(QStringLiteral("RECIPE")) : 0;
-        CabinetAvailabilityBulk counted;
+        SearchIndexesBulk counted;
         for (m_section = 1; batch.begun(); ++m_section) {
             ShowStatusStep(QStringLiteral("Importing recipe ") + QString::number(m_section) + QStringLiteral(" from ") +
                                FileName,

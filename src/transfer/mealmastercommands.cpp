@@ -12,7 +12,7 @@
 #include "core/ui/msgbox.h"
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
-#include "recipes/cabinetavailability.h"
+#include "recipes/searchindexes.h"
 #include "recipes/cabinetnames.h"
 #include "recipes/reciperepository.h"
 #include "search/frmsearch.h"
@@ -77,7 +77,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         StatementBatch batch;
         GatheredFailures failures; // named once in the closing summary, not a box each
         CabinetNames names; // of the recipes stored, added to the cabinet once
-        CabinetAvailabilityBulk counted;
+        SearchIndexesBulk counted;
         for (int number = 1; batch.begun() && feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {

@@ -6,7 +6,7 @@
 #include "core/platform/appstate.h"
 #include "core/platform/atomicfile.h"
 #include "core/platform/platform.h"
-#include "recipes/cabinetavailability.h"
+#include "recipes/searchindexes.h"
 #include "recipes/reciperepository.h"
 
 #include <QCoreApplication>
@@ -137,7 +137,7 @@ void TestHome::createAndOpenDatabase()
     if (!CreateDatabaseFromSchema(databasePath(), &error))
         qFatal("cannot create the test database: %s", qPrintable(error));
     registerDatabase(databasePath());
-    if (!OpenDatabase() || !KeepCabinetAvailability())
+    if (!OpenDatabase() || !KeepSearchIndexes())
         qFatal("cannot open the test database");
 }
 

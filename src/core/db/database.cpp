@@ -215,6 +215,18 @@ Recordset failed(const QString &prepared, const StatementError &error);
 
 } // namespace
 
+namespace {
+
+bool keepsIngredientIndex(QSqlDatabase &db)
+{
+    StatementError error;
+    const Recordset rs = RunStatement(
+        db, QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = '") + kIngredientIndex + u'\'', &error);
+    return !error.failed && rs && !rs.eof() && rs.integer(0) > 0;
+}
+
+} // namespace
+
 Recordset ExecuteSQL(QString &sql)
 {
     const QString prepared = PrepareSQL(sql);
@@ -230,7 +242,9 @@ Recordset ExecuteSQL(QString &sql)
         error = {true, false, StatementError::Damaged, QStringLiteral("11"), KnownDamage()};
         return failed(prepared, error);
     }
-    const SqlEngine engine = onServer(db) ? SqlEngine::Postgres : SqlEngine::Sqlite;
+    SqlEngine engine = onServer(db) ? SqlEngine::Postgres : SqlEngine::Sqlite;
+    if (engine == SqlEngine::Sqlite && SearchesIngredientText(prepared) && keepsIngredientIndex(db))
+        engine = SqlEngine::SqliteIndexed;
     Recordset result = RunStatement(db, TranslateJetSql(prepared, engine), &error, g_batchDepth > 0);
     if (!error.failed)
         return result;

@@ -163,7 +163,61 @@ bool mayNeedTranslation(const QString &sql)
     return false;
 }
 
+// "X.ingredient LIKE '%text%'" (translated, outside any quoted text) with a text of three or
+// more letters and no wildcard of its own narrowed to the recipes whose lines hold every
+// trigram of the text, which the index finds at once; the LIKE itself still decides each line,
+// so the rows are those of the statement as written. The index holds the lines in upper case
+// as the engine's LIKE compares them, and the trigrams compare their letters one for one.
+QString narrowByIngredientIndex(const QString &sql)
+{
+    static const QRegularExpression search(QStringLiteral("\\b([A-Za-z_][A-Za-z0-9_]*)\\.ingredient\\s+LIKE\\s+'%"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    for (auto it = search.globalMatch(sql); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        if (sql.left(m.capturedStart()).count(u'\'') % 2 != 0)
+            continue; // inside a quoted text
+        QString text;
+        qsizetype end = m.capturedEnd();
+        for (; end < sql.size(); ++end) {
+            if (sql[end] == u'\'' && end + 1 < sql.size() && sql[end + 1] == u'\'')
+                text += sql[++end];
+            else if (sql[end] == u'\'')
+                break;
+            else
+                text += sql[end];
+        }
+        if (end == sql.size() || !text.endsWith(u'%'))
+            continue;
+        text.chop(1);
+        if (text.contains(u'%') || text.contains(u'_'))
+            continue;
+        const QList<uint> letters = text.toUpper().toUcs4();
+        QStringList trigrams;
+        for (qsizetype k = 0; k + 3 <= letters.size(); ++k) {
+            QString trigram = QString::fromUcs4(reinterpret_cast<const char32_t *>(letters.constData() + k), 3);
+            trigram.replace(u'"', QStringLiteral("\"\""));
+            trigram = u'"' + trigram + u'"';
+            if (!trigrams.contains(trigram))
+                trigrams << trigram;
+        }
+        if (trigrams.isEmpty())
+            continue;
+        QString match = trigrams.join(QStringLiteral(" AND "));
+        match.replace(u'\'', QStringLiteral("''"));
+        return sql.left(end + 1) + QStringLiteral(" AND ") + m.captured(1) +
+               QStringLiteral(".recipe_id IN (SELECT rowid FROM ") + kIngredientIndex + QStringLiteral(" WHERE ") +
+               kIngredientIndex + QStringLiteral(" MATCH '") + match + QStringLiteral("')") + sql.mid(end + 1);
+    }
+    return sql;
+}
+
 } // namespace
+
+bool SearchesIngredientText(const QString &sql)
+{
+    return sql.contains(QLatin1String(".ingredient) LIKE '%"), Qt::CaseInsensitive) ||
+           sql.contains(QLatin1String(".ingredient LIKE '%"), Qt::CaseInsensitive);
+}
 
 QString TranslateJetSql(const QString &sql, SqlEngine engine)
 {
@@ -172,7 +226,8 @@ QString TranslateJetSql(const QString &sql, SqlEngine engine)
         // look for what could need it is quicker than cutting the statement at its quoted texts.
         if (!mayNeedTranslation(sql))
             return sql;
-        return translate(sql, engine, nullptr);
+        const QString translated = translate(sql, engine, nullptr);
+        return engine == SqlEngine::SqliteIndexed ? narrowByIngredientIndex(translated) : translated;
     }
     QString codeOnly;
     QString result = translate(sql, engine, &codeOnly);

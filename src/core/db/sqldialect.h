@@ -7,7 +7,14 @@
 
 enum class SqlEngine {
     Sqlite, // the embedded file database, whose LIKE ignores case for every letter
+    SqliteIndexed, // the same, keeping the ingredient index
     Postgres, // a shared server: TRUE and FALSE are not numbers, LIKE heeds case
 };
 
 QString TranslateJetSql(const QString &sql, SqlEngine engine = SqlEngine::Sqlite);
+
+// The index of the ingredient texts the file database may keep: a row a recipe, its lines'
+// texts in upper case, searched by the trigrams (three letters in a row) of a text.
+inline const QString kIngredientIndex = QStringLiteral("INGREDIENTS_TRIGRAMS");
+// Whether the statement searches the ingredient texts for a text (what the index speeds up).
+bool SearchesIngredientText(const QString &sql);

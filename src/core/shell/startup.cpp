@@ -15,7 +15,7 @@
 #include "core/db/schema.h"
 #include "core/platform/atomicfile.h"
 #include "core/platform/platform.h"
-#include "recipes/cabinetavailability.h"
+#include "recipes/searchindexes.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -128,9 +128,9 @@ void CheckDatabaseAtStartup()
     SetKnownDamage(damage);
     if (damage.isEmpty()) {
         // Once for a collection from before: the database keeps what the cabinet can make.
-        if (!CabinetAvailabilityIsKept()) {
+        if (!SearchIndexesAreKept()) {
             StatusGuard status(QStringLiteral("Preparing the cabinet search..."));
-            KeepCabinetAvailability();
+            KeepSearchIndexes();
         }
         return;
     }

@@ -1,4 +1,4 @@
-#include "cabinetavailability.h"
+#include "searchindexes.h"
 
 #include "core/db/database.h"
 #include "core/db/integrity.h"
@@ -8,7 +8,7 @@ namespace {
 const QString kPause = QStringLiteral("CABINET_AVAILABILITY_PAUSE");
 
 // The recipes from this identifier on are counted at the end of a bulk import instead of line
-// by line (see CabinetAvailabilityBulk).
+// by line (see SearchIndexesBulk).
 #define BELOW_PAUSE(id) id " < (SELECT coalesce(min(from_id), 9223372036854775807) FROM CABINET_AVAILABILITY_PAUSE)"
 
 // The counts of the lines of one recipe (or of a bulk's recipes) against the cabinet's items.
@@ -39,6 +39,26 @@ const QString kPause = QStringLiteral("CABINET_AVAILABILITY_PAUSE");
                        "excluded.matched, "                                                                            \
                        "missing = missing + excluded.missing;"
 
+// The recipe's row of the ingredient index made again from its lines.
+#define REINDEX(id)                                                                                                    \
+    "DELETE FROM INGREDIENTS_TRIGRAMS WHERE rowid = " id                                                               \
+    " AND " BELOW_PAUSE(id) "; "                                                                                       \
+                            "INSERT INTO INGREDIENTS_TRIGRAMS (rowid, lines) SELECT recipe_id, "                       \
+                            "group_concat(upper(ingredient), char(10)) "                                               \
+                            "FROM INGREDIENTS WHERE recipe_id = " id " AND " BELOW_PAUSE(id) " GROUP BY recipe_id;"
+
+// The rows of the ingredient index of the recipes the condition names.
+#define INDEX_LINES(where)                                                                                             \
+    "INSERT INTO INGREDIENTS_TRIGRAMS (rowid, lines) SELECT recipe_id, group_concat(upper(ingredient), char(10)) "     \
+    "FROM INGREDIENTS WHERE " where " GROUP BY recipe_id"
+
+// A line comes: it counts for each type that has its item, and its text is indexed. An import
+// sets this trigger aside while it stores its lines (see SearchIndexesBulk).
+const char *const kLineIn =
+    "CREATE TRIGGER CABINET_AVAILABILITY_line_in AFTER INSERT ON INGREDIENTS BEGIN " COUNT_LINES(
+        "I.recipe_id = new.recipe_id AND I.ingred_id = new.ingred_id") "; " REINDEX("new.recipe_id") " END";
+const QString kDropLineIn = QStringLiteral("DROP TRIGGER CABINET_AVAILABILITY_line_in");
+
 // The table and the triggers that keep it. Each cabinet name matches at most one item of a type
 // (items are unique per name and type, compared as the join compares them), so a line is
 // satisfied exactly when its item is available.
@@ -47,25 +67,31 @@ const char *const kKeeping[] = {
     "matched INTEGER NOT NULL, missing INTEGER NOT NULL, PRIMARY KEY (recipe_id, type)) WITHOUT ROWID",
     "CREATE INDEX CABINET_AVAILABILITY_ready ON CABINET_AVAILABILITY(type, missing, recipe_id)",
     "CREATE TABLE CABINET_AVAILABILITY_PAUSE (from_id INTEGER NOT NULL)",
-    // A line comes: it counts for each type that has its item.
-    "CREATE TRIGGER CABINET_AVAILABILITY_line_in AFTER INSERT ON INGREDIENTS WHEN " BELOW_PAUSE(
-        "new.recipe_id") " BEGIN " COUNT_LINES("I.recipe_id = new.recipe_id AND I.ingred_id = new.ingred_id") "; END",
+    "CREATE VIRTUAL TABLE INGREDIENTS_TRIGRAMS USING fts5(lines, tokenize = 'trigram', detail = none)",
+    kLineIn,
     // A line goes (also with its recipe).
-    "CREATE TRIGGER CABINET_AVAILABILITY_line_out AFTER DELETE ON INGREDIENTS BEGIN " LINE_OUT " END",
+    "CREATE TRIGGER CABINET_AVAILABILITY_line_out AFTER DELETE ON INGREDIENTS BEGIN " LINE_OUT REINDEX(
+        "old.recipe_id") " END",
+    // A line's text changed.
+    "CREATE TRIGGER INGREDIENTS_TRIGRAMS_line_changed AFTER UPDATE OF recipe_id, ingredient ON INGREDIENTS "
+    "BEGIN " REINDEX("old.recipe_id") REINDEX("new.recipe_id") " END",
     // A line renamed (the cabinet tools' repair): as gone and come again.
-    "CREATE TRIGGER CABINET_AVAILABILITY_line_moved AFTER UPDATE OF recipe_id, cabinet ON INGREDIENTS BEGIN " LINE_OUT
-        COUNT_LINES(
-            "I.recipe_id = new.recipe_id AND I.ingred_id = new.ingred_id AND " BELOW_PAUSE("new.recipe_id")) "; END",
+    "CREATE TRIGGER CABINET_AVAILABILITY_line_moved AFTER UPDATE OF recipe_id, cabinet ON INGREDIENTS "
+    "BEGIN " LINE_OUT COUNT_LINES(
+        "I.recipe_id = new.recipe_id AND I.ingred_id = new.ingred_id AND " BELOW_PAUSE("new.recipe_id")) "; END",
     // An item comes, goes, is ticked or unticked, or renamed.
     "CREATE TRIGGER CABINET_AVAILABILITY_item_in AFTER INSERT ON CABINET BEGIN " ITEM_IN " END",
     "CREATE TRIGGER CABINET_AVAILABILITY_item_out AFTER DELETE ON CABINET BEGIN " ITEM_LINES("old", "-") " END",
-    "CREATE TRIGGER CABINET_AVAILABILITY_tick AFTER UPDATE OF available ON CABINET WHEN old.item IS new.item AND "
+    "CREATE TRIGGER CABINET_AVAILABILITY_tick AFTER UPDATE OF available ON CABINET WHEN old.item IS "
+    "new.item AND "
     "old.type IS new.type AND (old.available = 0) <> (new.available = 0) BEGIN " ITEM_LINES("old", "-")
         ITEM_LINES("new", "+") " END",
-    "CREATE TRIGGER CABINET_AVAILABILITY_item_moved AFTER UPDATE OF item, type ON CABINET WHEN old.item IS NOT "
+    "CREATE TRIGGER CABINET_AVAILABILITY_item_moved AFTER UPDATE OF item, type ON CABINET WHEN old.item IS "
+    "NOT "
     "new.item OR old.type IS NOT new.type BEGIN " ITEM_LINES("old", "-") ITEM_IN " END",
     // What is stored now.
     COUNT_LINES("1 = 1"),
+    INDEX_LINES("1 = 1"),
 };
 
 bool onFile()
@@ -84,7 +110,7 @@ bool isKept()
 
 } // namespace
 
-bool KeepCabinetAvailability()
+bool KeepSearchIndexes()
 {
     if (!onFile() || gNotConnected)
         return false;
@@ -116,32 +142,35 @@ std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType)
     return available;
 }
 
-bool CabinetAvailabilityIsKept()
+bool SearchIndexesAreKept()
 {
     return isKept();
 }
 
-CabinetAvailabilityBulk::CabinetAvailabilityBulk()
+SearchIndexesBulk::SearchIndexesBulk()
 {
     if (!isKept())
         return;
     m_from = NextId(QStringLiteral("RECIPE"));
-    if (ExecuteSQL(QStringLiteral("INSERT INTO CABINET_AVAILABILITY_PAUSE VALUES (%1)").arg(m_from)).failed())
+    if (ExecuteSQL(QStringLiteral("INSERT INTO CABINET_AVAILABILITY_PAUSE VALUES (%1)").arg(m_from)).failed() ||
+        ExecuteSQL(kDropLineIn).failed())
         m_from = 0;
 }
 
-CabinetAvailabilityBulk::~CabinetAvailabilityBulk()
+SearchIndexesBulk::~SearchIndexesBulk()
 {
     if (m_from) // not finished: the batch is rolled back, and the pause with it
-        ExecuteSQL(QStringLiteral("DELETE FROM CABINET_AVAILABILITY_PAUSE WHERE from_id = %1").arg(m_from));
+        finish();
 }
 
-bool CabinetAvailabilityBulk::finish()
+bool SearchIndexesBulk::finish()
 {
     if (!m_from)
         return true;
     const qint64 from = std::exchange(m_from, 0);
     return !ExecuteSQL(QStringLiteral("DELETE FROM CABINET_AVAILABILITY_PAUSE WHERE from_id = %1").arg(from))
                 .failed() &&
-           !ExecuteSQL(QString::fromLatin1(COUNT_LINES("I.recipe_id >= %1")).arg(from)).failed();
+           !ExecuteSQL(QString::fromLatin1(COUNT_LINES("I.recipe_id >= %1")).arg(from)).failed() &&
+           !ExecuteSQL(QString::fromLatin1(INDEX_LINES("recipe_id >= %1")).arg(from)).failed() &&
+           !ExecuteSQL(QString::fromLatin1(kLineIn)).failed();
 }

@@ -1,0 +1,42 @@
+#pragma once
+// What the file database keeps for the searches, in step with every change through triggers of
+// its own, so that searches answer at once however large the collection grows:
+// - which recipes the cabinet can make: for each recipe and cabinet type, how many of its lines
+//   have a cabinet item of that type and how many of those items are not available (a recipe
+//   can be made when the first is above zero and the second zero, which is what walking every
+//   line answers);
+// - the ingredient index: each recipe's line texts in upper case, found by their trigrams, which
+//   narrows the ingredient search to the recipes that can hold the text.
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+// Makes the database keep both (tables and their triggers), filled once from what is stored,
+// when the file does not keep them yet; on a server, a read-only or a damaged file it does
+// nothing. True when the database keeps them.
+bool KeepSearchIndexes();
+// True when the open database keeps them.
+bool SearchIndexesAreKept();
+// The recipes that can be made with the cabinet of the type (its first letter counts), in
+// ascending identifier order; nothing when the database does not keep the availability.
+std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType);
+
+// While it lives, inside the batch of an import, the recipes stored from the next free
+// identifier on are counted once, at finish(), instead of line by line: an import stores
+// hundreds of thousands of lines.
+class SearchIndexesBulk
+{
+public:
+    SearchIndexesBulk();
+    ~SearchIndexesBulk();
+    // Counts the recipes stored meanwhile, after their new cabinet items were added; false when
+    // a statement failed.
+    bool finish();
+    SearchIndexesBulk(const SearchIndexesBulk &) = delete;
+    SearchIndexesBulk &operator=(const SearchIndexesBulk &) = delete;
+
+private:
+    qint64 m_from = 0; // 0 when the database does not keep the availability
+};
