@@ -6,6 +6,7 @@
 #include "core/platform/voice.h"
 #include "cabinet/frmcabinet.h"
 #include "core/db/integrity.h"
+#include "core/db/datasources.h"
 #include "core/db/schema.h"
 #include "core/platform/appstate.h"
 #include "core/shell/dbupkeep.h"
@@ -20,7 +21,9 @@
 #include "transfer/ctransfer.h"
 #include "transfer/mealmastercommands.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QPointer>
 #include <QProcess>
@@ -329,6 +332,38 @@ private Q_SLOTS:
         QCOMPARE(CheckDatabaseIntegrity(), QString());
         QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("Saved again")), 0, false));
         QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), 302);
+    }
+
+    // A file as the program left it at its last end is not read through at the next start;
+    // one changed since by anything else is.
+    void onlyAFileChangedElsewhereIsCheckedAtStart()
+    {
+        for (int n = 0; n < 60; ++n)
+            StoreTestRecipe(TestRecipe(QStringLiteral("Stew %1").arg(n), {"1|cup|Beans|beans"}, {QString(400, u's')}));
+        const QString live = m_home->databasePath();
+        RecordCheckedDatabase();
+        const QString stamp = DatabaseFileStamp();
+        QCOMPARE(CheckedFileStamp(kDataSourceName), stamp);
+        CloseDatabase();
+        const QDateTime changed = QDateTime::fromMSecsSinceEpoch(stamp.section(u':', 1).toLongLong());
+        const auto setChanged = [&](const QDateTime &time) {
+            QFile file(live);
+            QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime));
+        };
+        {
+            QFile file(live);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.seek(file.size() / 2));
+            file.write(QByteArray(8192, '\xab'));
+        }
+        setChanged(changed); // as if never touched
+        QVERIFY(OpenDatabase());
+        CheckDatabaseAtStartup();
+        QVERIFY(m_boxes->boxes.isEmpty());
+        setChanged(changed.addSecs(60));
+        CheckDatabaseAtStartup();
+        QCOMPARE(m_boxes->boxes.size(), 1);
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Database damaged"));
     }
 
     // A file that may not be written to is named at start; a save says why it could not be

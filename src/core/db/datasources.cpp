@@ -67,3 +67,15 @@ void RegisterDataSource(const DataSource &source)
     if (!source.password.isEmpty())
         QFile::setPermissions(DataSourcesPath(), QFile::ReadOwner | QFile::WriteOwner);
 }
+
+QString CheckedFileStamp(const QString &name)
+{
+    return QSettings(DataSourcesPath(), QSettings::IniFormat).value(name + QStringLiteral("/Checked")).toString();
+}
+
+void RecordCheckedFileStamp(const QString &name, const QString &stamp)
+{
+    QSettings registry(DataSourcesPath(), QSettings::IniFormat);
+    if (registry.childGroups().contains(name))
+        registry.setValue(name + QStringLiteral("/Checked"), stamp);
+}

@@ -29,3 +29,7 @@ QString DataSourcesPath();
 // The registered data source, or one with an empty name when it is not registered.
 DataSource FindDataSource(const QString &name);
 void RegisterDataSource(const DataSource &source);
+// The source's file as the program last left it, sound ("" when not known): kept beside the
+// source's entry, so that the next start need not read an unchanged file through.
+QString CheckedFileStamp(const QString &name);
+void RecordCheckedFileStamp(const QString &name, const QString &stamp);

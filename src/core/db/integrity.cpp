@@ -3,6 +3,8 @@
 #include "database.h"
 #include "statementrunner.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -22,7 +24,21 @@ QString CheckDatabaseIntegrity()
         return check.lastError().databaseText().isEmpty() ? QStringLiteral("the file cannot be read")
                                                           : check.lastError().databaseText();
     const QString verdict = check.value(0).toString();
+    check.finish();
+    // The check read every page through the file's mapping: let go of them, so the program's
+    // memory stays what its windows need.
+    check.exec(QStringLiteral("PRAGMA mmap_size = 0"));
+    check.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
     return verdict == u"ok" ? QString() : verdict;
+}
+
+QString DatabaseFileStamp()
+{
+    QSqlDatabase db = gConn();
+    if (gNotConnected || db.driverName() != u"QSQLITE")
+        return {};
+    const QFileInfo file(db.databaseName());
+    return QStringLiteral("%1:%2").arg(file.size()).arg(file.lastModified().toMSecsSinceEpoch());
 }
 
 bool DatabaseIsReadOnly()

@@ -12,6 +12,9 @@ QString CheckDatabaseIntegrity();
 // Whether the open file database may only be read (the file or its folder may not be written
 // to): the household can still find and print its recipes, but nothing is saved.
 bool DatabaseIsReadOnly();
+// The open database file's size and time of last change as one text, to tell at the next start
+// whether anything but this program changed it since; "" on a server.
+QString DatabaseFileStamp();
 // The damage found in the open database; while it is known, nothing is written into it.
 // Opening a database forgets it.
 void SetKnownDamage(const QString &damage);

@@ -9,6 +9,7 @@
 #include "cabinet/cabinettools.h"
 #include "cabinet/frmcabinet.h"
 #include "core/shell/dbupkeep.h"
+#include "core/shell/startup.h"
 #include "menus/frmmenu.h"
 #include "recipes/frmadd2.h"
 #include "search/frmsearch.h"
@@ -250,5 +251,6 @@ void EndProgram()
     // Saved a recipe at a time, the file's pages interleave; left in order, the next start's
     // first search reads it straight through.
     CompactDatabaseIfScattered();
+    RecordCheckedDatabase();
     QCoreApplication::quit();
 }

@@ -2,6 +2,7 @@
 
 #include "core/platform/appstate.h"
 #include "core/db/database.h"
+#include "core/db/datasources.h"
 #include "core/ui/voicewindows.h"
 #include "core/shell/frmmain.h"
 #include "core/ui/frmstatus.h"
@@ -124,12 +125,16 @@ void CheckDatabaseAtStartup()
                                "recipes, but nothing you change can be saved until the file may be written to again."),
             Msg::Critical, QStringLiteral("Database read-only"));
     }
-    const QString damage = CheckDatabaseIntegrity();
+    // A file as this program left it at its last end needs no reading through: only a file
+    // something else changed since (another program, a disk fault, a copy) is checked.
+    const QString stamp = DatabaseFileStamp();
+    const bool unchanged = !stamp.isEmpty() && stamp == CheckedFileStamp(kDataSourceName);
+    const QString damage = unchanged ? QString() : CheckDatabaseIntegrity();
     SetKnownDamage(damage);
     if (damage.isEmpty()) {
         // Once for a collection from before: the database keeps what the cabinet can make.
         if (!SearchIndexesAreKept()) {
-            StatusGuard status(QStringLiteral("Preparing the cabinet search..."));
+            StatusGuard status(QStringLiteral("Preparing the searches..."));
             KeepSearchIndexes();
         }
         return;
@@ -139,6 +144,12 @@ void CheckDatabaseAtStartup()
                               "file, so that the damage does not spread. Restore your last backup (Tools, Database, "
                               "Restore), or copy the file elsewhere and repair it with a database tool."),
            Msg::Critical, QStringLiteral("Database damaged"));
+}
+
+void RecordCheckedDatabase()
+{
+    if (const QString stamp = DatabaseFileStamp(); !stamp.isEmpty() && KnownDamage().isEmpty())
+        RecordCheckedFileStamp(kDataSourceName, stamp);
 }
 
 void ConnectAtStartup()

@@ -15,6 +15,9 @@ void ConnectAtStartup();
 // Checks that the open database file is whole; a damaged one is named, and nothing is saved
 // into it until it is restored.
 void CheckDatabaseAtStartup();
+// Records the database file as this program leaves it, sound: the next start need not read it
+// through.
+void RecordCheckedDatabase();
 // The whole start-up; the returned main window is shown.
 std::unique_ptr<frmMain> Startup();
 
