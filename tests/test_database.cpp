@@ -183,6 +183,42 @@ private Q_SLOTS:
         QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE rating LIKE '*%'"), 1);
     }
 
+    // Cabinet names are one item whatever the case of any letter; a file whose indexes the
+    // engine's own rule ordered has its items that become one merged once, and stays sound.
+    void everyLetterMakesOneCabinetItem()
+    {
+        SKIP_ON_SERVER();
+        const QString file = m_home->databasePath();
+        m_home->createAndOpenDatabase();
+        CloseDatabase();
+        {
+            QSqlDatabase old = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("old"));
+            old.setDatabaseName(file);
+            QVERIFY(old.open());
+            QSqlQuery q(old);
+            for (const char *row :
+                 {"'Épices', 'F', 1", "'épices', 'F', 0", "'ÄPFEL', 'F', 0", "'äpfel', 'D', 0", "'Zwiebel', 'F', 0"})
+                QVERIFY(q.exec(QStringLiteral("INSERT INTO CABINET VALUES (%1)").arg(QString::fromUtf8(row))));
+            QVERIFY(q.exec(QStringLiteral("PRAGMA user_version = 0"))); // as files from before
+            old.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("old"));
+        QVERIFY(OpenDatabase());
+        QStringList items;
+        for (Recordset rs = ExecuteSQL("SELECT item, type, available FROM CABINET ORDER BY item, type"); !rs.eof();
+             rs.MoveNext())
+            items << rs.text(0) + u' ' + rs.text(1) + u' ' + rs.text(2);
+        QCOMPARE(items, (QStringList {"äpfel D 0", "ÄPFEL F 0", "Épices F 1", "Zwiebel F 0"}));
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM CABINET WHERE item = 'äpfel'")), 2);
+        QVERIFY(ExecuteSQL(QStringLiteral("INSERT INTO CABINET VALUES ('épices', 'F', 0)")).failed());
+        QCOMPARE(QueryNumber("PRAGMA user_version"), 1);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM (SELECT DISTINCT item FROM CABINET)"), 3);
+        CloseDatabase();
+        QVERIFY(OpenDatabase()); // once only: the file keeps the new order
+        QCOMPARE(QueryNumber("SELECT count(*) FROM CABINET WHERE item = 'ÉPICES'"), 1);
+        QCOMPARE(Recordset(ExecuteSQL("PRAGMA integrity_check")).text(0), QStringLiteral("ok"));
+    }
+
     void likeAgreesWithTheEngineOnPlainText()
     {
         SKIP_ON_SERVER();

@@ -418,6 +418,20 @@ private Q_SLOTS:
         QCOMPARE(printedLines(), (QStringList {"Shopping List for Week:", "", "  *  salt", ""}));
     }
 
+    // Names that differ in the case of any letter are one item in both documents.
+    void everyLetterIgnoresCaseInTheDocuments()
+    {
+        const qint32 bread = storeRecipe(QStringLiteral("Bread"), {"1|tsp|épices", "2|---|äpfel"});
+        const qint32 cake = storeRecipe(QStringLiteral("Cake"), {"2|tsp|Épices", "1|---|ÄPFEL"});
+        ExecuteSQL(QStringLiteral("UPDATE CABINET SET available = 1 WHERE item = 'ÄPFEL'"));
+        const QStringList ids {u' ' + QString::number(bread), u' ' + QString::number(cake)};
+        ShowNeededAmounts(QStringLiteral("Week"), ids);
+        QCOMPARE(printedLines().mid(2, 2), (QStringList {"  *  äpfel  -  (N/A)", "  *  épices  -  (3 tsp) *"}));
+        ShowShoppingList(QStringLiteral("Week"), ids);
+        QCOMPARE(printedLines().filter(QStringLiteral("pices")).size(), 1);
+        QCOMPARE(printedLines().filter(QStringLiteral("pfel")).size(), 0);
+    }
+
     void listsWithNothingToShowSaySo()
     {
         ShowNeededAmounts(QStringLiteral("Empty"), {});

@@ -51,6 +51,7 @@ void prepareConnection(QSqlDatabase &db)
     QSqlQuery setup(db);
     setup.exec(QStringLiteral("PRAGMA foreign_keys = ON"));
     InstallTextFunctions(db);
+    InstallCaseFolding(db);
     setup.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
     // Searches read every line of every recipe: reading the file through a memory map spares
     // copying each page.

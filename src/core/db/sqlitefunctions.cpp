@@ -2,7 +2,9 @@
 
 #include "core/platform/platform.h"
 
+#include <QHash>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QSqlDriver>
 #include <QVariant>
 #include <QString>
@@ -10,6 +12,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -218,16 +221,143 @@ void like(sqlite3_context *context, int argc, sqlite3_value **argv)
     sqlite3_result_int(context, matched ? 1 : 0);
 }
 
+// The connection's rule: every letter once the file's indexes follow it.
+struct Folding {
+    bool everyLetter = false;
+};
+
+int compareBytes(const QByteArray &x, const QByteArray &y)
+{
+    const int common = int(std::min(x.size(), y.size()));
+    if (const int c = std::memcmp(x.constData(), y.constData(), size_t(common)); c != 0)
+        return c;
+    return int(x.size()) - int(y.size());
+}
+
+// Texts compared as the engine's NOCASE compares them, A to Z folded; with every letter, texts
+// that differ in case alone are equal, and the others are ordered by their letters without
+// accents first ("Épices" beside "Eggs", not after "Zwiebel"). For ASCII texts both orders are
+// the engine's, so indexes of ASCII texts keep their order.
+int compareWithoutCase(void *rule, int aBytes, const void *a, int bBytes, const void *b)
+{
+    const auto *x = static_cast<const unsigned char *>(a);
+    const auto *y = static_cast<const unsigned char *>(b);
+    const bool everyLetter = static_cast<const Folding *>(rule)->everyLetter;
+    // Byte by byte while the texts are ASCII, as the engine does: no copy for most texts.
+    const int common = std::min(aBytes, bBytes);
+    int i = 0;
+    for (; i < common; ++i) {
+        if (everyLetter && (x[i] >= 0x80 || y[i] >= 0x80))
+            break;
+        const int c = upperAscii(x[i]) - upperAscii(y[i]);
+        if (c != 0) // the engine orders by lower case: "_" before letters
+            return (x[i] >= 'A' && x[i] <= 'Z' ? x[i] + 32 : x[i]) - (y[i] >= 'A' && y[i] <= 'Z' ? y[i] + 32 : y[i]);
+    }
+    if (i == common && !(everyLetter && (!std::all_of(x + i, x + aBytes, [](unsigned char c) { return c < 0x80; }) ||
+                                         !std::all_of(y + i, y + bBytes, [](unsigned char c) { return c < 0x80; }))))
+        return aBytes - bBytes;
+    const QString lx = FromStoredUtf8(reinterpret_cast<const char *>(x), aBytes).toLower();
+    const QString ly = FromStoredUtf8(reinterpret_cast<const char *>(y), bBytes).toLower();
+    const auto plain = [](const QString &t) {
+        QString letters = t.normalized(QString::NormalizationForm_D);
+        letters.removeIf([](QChar c) { return c.category() == QChar::Mark_NonSpacing; });
+        return letters.toUtf8();
+    };
+    if (const int c = compareBytes(plain(lx), plain(ly)); c != 0)
+        return c;
+    return compareBytes(lx.toUtf8(), ly.toUtf8());
+}
+
+sqlite3 *handleOf(QSqlDatabase &db)
+{
+    if (db.driverName() != u"QSQLITE")
+        return nullptr;
+    const QVariant handle = db.driver()->handle();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3 *const *>(handle.data());
+}
+
+// The file's mark that its indexes follow the folding of every letter.
+constexpr int kFoldedEveryLetter = 1;
+
+// Merges the cabinet items that are one when every letter is folded, under the engine's rule
+// still (so each row is found by its exact name).
+bool mergeCabinetItems(QSqlQuery &q)
+{
+    if (!q.exec(QStringLiteral("SELECT item, type, available FROM CABINET")))
+        return false;
+    struct Row {
+        QString item, type;
+        bool available;
+    };
+    QHash<QString, QList<Row>> byName;
+    while (q.next()) {
+        const Row row {q.value(0).toString(), q.value(1).toString(), q.value(2).toInt() != 0};
+        byName[row.item.toLower() + u'\n' + row.type.toLower()].append(row);
+    }
+    for (const QList<Row> &rows : std::as_const(byName)) {
+        if (rows.size() < 2)
+            continue;
+        const bool available = std::any_of(rows.begin(), rows.end(), [](const Row &r) { return r.available; });
+        for (qsizetype k = 0; k < rows.size(); ++k) {
+            q.prepare(k == 0 ? QStringLiteral("UPDATE CABINET SET available = ? WHERE item = ? AND type = ?")
+                             : QStringLiteral("DELETE FROM CABINET WHERE item = ? AND type = ?"));
+            if (k == 0)
+                q.addBindValue(available ? 1 : 0);
+            q.addBindValue(rows[k].item);
+            q.addBindValue(rows[k].type);
+            if (!q.exec())
+                return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
+
+bool InstallCaseFolding(QSqlDatabase &db)
+{
+    sqlite3 *connection = handleOf(db);
+    if (!connection)
+        return false;
+    auto *rule = new Folding;
+    if (sqlite3_create_collation_v2(connection, "NOCASE", SQLITE_UTF8, rule, &compareWithoutCase,
+                                    [](void *p) { delete static_cast<Folding *>(p); }) != SQLITE_OK)
+        return false;
+    QSqlQuery q(db);
+    if (!q.exec(QStringLiteral("PRAGMA user_version")) || !q.next())
+        return false;
+    rule->everyLetter = q.value(0).toInt() == kFoldedEveryLetter;
+    q.finish();
+    if (rule->everyLetter)
+        return true;
+    // The kept availability counted items by the engine's rule: it is made again at start.
+    QStringList kept;
+    if (q.exec(QStringLiteral("SELECT type, name FROM sqlite_master WHERE name LIKE 'CABINET_AVAILABILITY%' "
+                              "ORDER BY type = 'table'"))) {
+        while (q.next())
+            kept << QStringLiteral("DROP %1 IF EXISTS %2").arg(q.value(0).toString().toUpper(), q.value(1).toString());
+    }
+    if (!db.transaction())
+        return false;
+    bool done = mergeCabinetItems(q);
+    for (const QString &drop : std::as_const(kept))
+        done = done && q.exec(drop);
+    rule->everyLetter = done;
+    done = done && q.exec(QStringLiteral("REINDEX NOCASE")) &&
+           q.exec(QStringLiteral("PRAGMA user_version = %1").arg(kFoldedEveryLetter));
+    q.finish();
+    if (done && db.commit())
+        return true;
+    db.rollback();
+    rule->everyLetter = false;
+    return false;
+}
 
 void InstallTextFunctions(QSqlDatabase &db)
 {
-    if (db.driverName() != u"QSQLITE")
-        return;
-    const QVariant handle = db.driver()->handle();
-    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0)
-        return;
-    sqlite3 *connection = *static_cast<sqlite3 *const *>(handle.data());
+    sqlite3 *connection = handleOf(db);
     if (!connection)
         return;
     sqlite3_create_function(connection, "upper", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, &upper, nullptr,
