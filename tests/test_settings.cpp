@@ -139,53 +139,61 @@ private Q_SLOTS:
         QCOMPARE(w.cboSection->itemText(9), QStringLiteral("Rating"));
         QCOMPARE(w.lvwEntries->topLevelItem(1)->text(0), QStringLiteral("01=Appetizers"));
         w.lvwEntries->setCurrentItem(w.lvwEntries->topLevelItem(1));
-        w.lvwEntries_Click();
         QCOMPARE(w.txtData[0]->text(), QStringLiteral("01"));
         QCOMPARE(w.txtData[1]->text(), QStringLiteral("Appetizers"));
+        QTest::keyClick(w.lvwEntries, Qt::Key_Down); // the arrow keys choose as a click does
+        QCOMPARE(w.txtData[0]->text(), w.lvwEntries->topLevelItem(2)->text(0).section(u'=', 0, 0));
         const auto enter = [&](const char *order, const char *value) {
             w.txtData[0]->setText(QLatin1String(order));
             w.txtData[1]->setText(QLatin1String(value));
         };
         const auto entries = [&] { return GetIniSection(m_home->iniPath(), QStringLiteral("Category_Food")); };
-        // An existing order changes in place; a new one lands in text order ("10" before "9").
+        const QStringList drinks = GetIniSection(m_home->iniPath(), QStringLiteral("Category_Drink"));
+        // An existing order changes in place; a new one lands in number order, written with two
+        // digits, and the last one stays in its own list.
         enter("01", "Starters");
-        w.cmdAdd_Click();
-        enter("055", "Pies");
         w.cmdAdd_Click();
         enter("9", "Pickles");
         w.cmdAdd_Click();
-        QStringList expected = entries();
-        QCOMPARE(expected.mid(0, 2), (QStringList {"00=", "01=Starters"}));
-        // Compared with its "=": "05=" sorts after "055".
-        QCOMPARE(expected.indexOf(QStringLiteral("055=Pies")) + 1, expected.indexOf(QStringLiteral("05=Main Dishes")));
-        QCOMPARE(expected.last(), QStringLiteral("9=Pickles"));
-        QCOMPARE(w.lvwEntries->topLevelItemCount(), expected.size());
-        // Only the exact "00" is the default: "0" and "000" are entries like any other.
-        enter("00", "x");
+        enter("99", "Leftovers");
         w.cmdAdd_Click();
-        w.cmdDelete_Click();
-        QCOMPARE(
-            m_boxes->prompts(),
-            (QStringList {
-                "Users are not permitted to change this list item.  \nThis is the default value of the selected list!",
-                "Users are not permitted to remove this list item.  \nThis is the default value of the selected "
-                "list!"}));
-        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Invalid Option"));
-        for (const char *order : {"0", "000"}) {
+        const QStringList food = entries();
+        QCOMPARE(food.mid(0, 2), (QStringList {"00=", "01=Starters"}));
+        QCOMPARE(food.indexOf(QStringLiteral("09=Pickles")), 9); // in the place of 09=Soups
+        QCOMPARE(food.last(), QStringLiteral("99=Leftovers"));
+        QCOMPARE(GetIniSection(m_home->iniPath(), QStringLiteral("Category_Drink")), drinks);
+        QCOMPARE(w.lvwEntries->topLevelItemCount(), food.size());
+        QCOMPARE(w.txtData[0]->text(), QString()); // the boxes are emptied after each change
+        // Orders that are no list number are refused; every spelling of 0 is the default's.
+        for (const char *order : {"A1", "055", "1.5"}) {
             enter(order, "odd");
             w.cmdAdd_Click();
-            QVERIFY(entries().contains(QLatin1String(order) + QStringLiteral("=odd")));
-            QCOMPARE(w.txtData[0]->text(), QString()); // the boxes are emptied after each change
-            enter(order, "odd");
-            m_boxes->answer(MsgResult::Yes);
-            w.cmdDelete_Click();
-            QVERIFY(!entries().contains(QLatin1String(order) + QStringLiteral("=odd")));
         }
-        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Are you sure you want to remove the entry: 000=odd?"));
+        for (const char *order : {"00", "0", "000"}) {
+            enter(order, "x");
+            w.cmdAdd_Click();
+        }
+        enter("00", "x");
+        w.cmdDelete_Click();
+        const QString notAnOrder =
+            QStringLiteral("The order is a number from 01 to 99: it places the entry in the list.");
+        const QString cannotChange = QStringLiteral(
+            "Users are not permitted to change this list item.  \nThis is the default value of the selected list!");
+        QCOMPARE(m_boxes->prompts(),
+                 (QStringList {notAnOrder, notAnOrder, notAnOrder, cannotChange, cannotChange, cannotChange,
+                               "Users are not permitted to remove this list item.  \nThis is the default value of the "
+                               "selected list!"}));
+        QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Invalid Data"));
+        QCOMPARE(m_boxes->boxes[3].title, QStringLiteral("Invalid Option"));
+        QCOMPARE(entries(), food);
+        enter("9", "Pickles");
+        m_boxes->answer(MsgResult::Yes);
+        w.cmdDelete_Click();
+        QCOMPARE(m_boxes->prompts().last(), QStringLiteral("Are you sure you want to remove the entry: 09=Pickles?"));
         enter("", "nothing");
         w.cmdAdd_Click();
         w.cmdDelete_Click();
-        QCOMPARE(m_boxes->prompts().mid(4), (QStringList {"You must have an order entered and a section selected.",
+        QCOMPARE(m_boxes->prompts().mid(8), (QStringList {"You must have an order entered and a section selected.",
                                                           "You must enter the ID/Order for the item to delete!"}));
         // The first entry of an absent section creates it at the end of the file.
         DeleteIniKey(m_home->iniPath(), QStringLiteral("Rating"), QStringLiteral("00"));

@@ -16,6 +16,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 const char *const kSections[] = {"Category_Food", "Category_Drink", "Category_Other", "Measure_Food", "Measure_Drink",
@@ -27,6 +29,17 @@ const QString kCannotChange = QStringLiteral(
 const QString kCannotRemove = QStringLiteral(
     "Users are not permitted to remove this list item.  \nThis is the default value of the selected list!");
 const QString kNoOrder = QStringLiteral("You must enter the ID/Order for the item to delete!");
+const QString kNotAnOrder = QStringLiteral("The order is a number from 01 to 99: it places the entry in the list.");
+
+// The order as the lists write it, two digits; "" when the text is no such number.
+QString listOrder(const QString &typed)
+{
+    if (typed.isEmpty())
+        return {};
+    if (typed.size() > 2 || !std::all_of(typed.begin(), typed.end(), [](QChar c) { return c >= u'0' && c <= u'9'; }))
+        return typed.size() > 2 && typed.count(u'0') == typed.size() ? kDefaultOrder : QString();
+    return typed.rightJustified(2, u'0');
+}
 
 } // namespace
 
@@ -70,6 +83,8 @@ frmMaint::frmMaint(QWidget *parent) : QDialog(parent)
 
     connect(cboSection, &QComboBox::activated, this, &frmMaint::cboSection_Click);
     connect(lvwEntries, &QTreeWidget::itemClicked, this, &frmMaint::lvwEntries_Click);
+    // The arrow keys choose an entry as a click does.
+    connect(lvwEntries, &QTreeWidget::currentItemChanged, this, &frmMaint::lvwEntries_Click);
     connect(cmdAdd, &QPushButton::clicked, this, [this] { Guarded([this] { cmdAdd_Click(); }); });
     connect(cmdDelete, &QPushButton::clicked, this, [this] { Guarded([this] { cmdDelete_Click(); }); });
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::close);
@@ -105,18 +120,26 @@ void frmMaint::cmdAdd_Click()
         MsgBox(kInvalidData, Msg::Ok, QStringLiteral("Invalid Data"));
         return;
     }
-    // Only the exact text "00" is the list's default: "0" and "000" are ordinary entries.
-    if (order == kDefaultOrder) {
+    // The lists are ordered by two-digit numbers: "5" is 05, and "0" or "000" would be the
+    // default's place.
+    const QString number = listOrder(order);
+    if (number.isEmpty()) {
+        MsgBox(kNotAnOrder, Msg::Ok, QStringLiteral("Invalid Data"));
+        return;
+    }
+    if (number == kDefaultOrder) {
         MsgBox(kCannotChange, Msg::Critical, QStringLiteral("Invalid Option"));
         return;
     }
-    WriteIniValue(IniPath(), cboSection->currentText(), order + u'=' + txtData[1]->text(), true);
+    WriteIniListEntry(IniPath(), cboSection->currentText(), number + u'=' + txtData[1]->text());
     cboSection_Click();
 }
 
 void frmMaint::cmdDelete_Click()
 {
-    const QString order = txtData[0]->text();
+    // Typed as added ("9" is 09); an entry written otherwise before stays removable as it reads.
+    const QString typed = txtData[0]->text();
+    const QString order = listOrder(typed).isEmpty() ? typed : listOrder(typed);
     if (order.isEmpty()) {
         MsgBox(kNoOrder, Msg::Ok, QStringLiteral("Error"));
         return;

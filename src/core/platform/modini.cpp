@@ -201,7 +201,7 @@ struct IniDocument {
     // same key is replaced (with ordered insertion, the line goes before the first line whose
     // key sorts after it); the next section's header or the file's last line gets the new
     // line after it. An absent section is appended.
-    void write(const QString &section, const QString &newLine, bool ordered)
+    void write(const QString &section, const QString &newLine, bool ordered, bool withinSection = false)
     {
         const qsizetype header = headerOf(section);
         if (header < 0) {
@@ -211,7 +211,7 @@ struct IniDocument {
             noteHeader(text.lines.size() - 1);
             text.lines.append(newLine);
         } else {
-            placeAfterHeader(header, newLine, ordered);
+            placeAfterHeader(header, newLine, ordered, withinSection);
         }
         exists = true;
         if (newLine.contains(u'\n') || newLine.contains(u'\r')) {
@@ -268,7 +268,7 @@ private:
         lastHeader += delta;
     }
 
-    void placeAfterHeader(qsizetype header, const QString &newLine, bool ordered)
+    void placeAfterHeader(qsizetype header, const QString &newLine, bool ordered, bool withinSection)
     {
         const qsizetype n = text.lines.size();
         if (header == n - 1) {
@@ -286,6 +286,12 @@ private:
                 insertLine(i, newLine);
             } else if (!read.isEmpty() && part == mine) {
                 text.lines[i] = newLine;
+            } else if (withinSection && (opensSection(read) || atEnd)) {
+                // At the section's end, after its last line.
+                qsizetype last = opensSection(read) ? i - 1 : i;
+                while (last > header && text.lines[last].isEmpty())
+                    --last;
+                insertLine(last + 1, newLine);
             } else if (opensSection(read) || atEnd) {
                 // The new line follows the next section's header when one comes first.
                 insertLine(i + 1, newLine);
@@ -427,6 +433,14 @@ void WriteIniValue(const QString &path, const QString &section, const QString &n
     const auto source = readIni(path, true);
     IniDocument document = source ? *source : emptyDocument();
     document.write(section, newLine, ordered);
+    replaceIniFile(path, std::move(document));
+}
+
+void WriteIniListEntry(const QString &path, const QString &section, const QString &entry)
+{
+    const auto source = readIni(path, true);
+    IniDocument document = source ? *source : emptyDocument();
+    document.write(section, entry, true, true);
     replaceIniFile(path, std::move(document));
 }
 

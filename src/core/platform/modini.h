@@ -54,6 +54,10 @@ QStringList GetIniSection(const QString &path, const QString &section);
 // it lands just under that section's header. With ordered insertion the line goes before the
 // first line of the section that sorts after it. An absent section is appended.
 void WriteIniValue(const QString &path, const QString &section, const QString &line, bool ordered = false);
+// Writes the entry "order=value" of a list section in its order: an entry of the same order is
+// replaced, a new one goes before the first entry whose order sorts after it, or after the
+// section's last entry (never into the next section).
+void WriteIniListEntry(const QString &path, const QString &section, const QString &entry);
 // Removes the key's line from the section (a FileAccess error when the file cannot be read).
 void DeleteIniKey(const QString &path, const QString &section, const QString &key);
 bool FileExists(const QString &path);
