@@ -4,6 +4,8 @@
 
 #include "benchdata.h"
 
+#include "recipes/searchindexes.h"
+
 #include "core/db/database.h"
 #include "core/db/datasources.h"
 #include "core/db/schema.h"
@@ -181,7 +183,7 @@ int main(int argc, char *argv[])
         admin.close();
     }
     QSqlDatabase::removeDatabase(QStringLiteral("bench-admin"));
-    if (!OpenDatabase())
+    if (!OpenDatabase() || !KeepSearchIndexes()) // as the program's start does
         qFatal("cannot open the collection on the server");
     const QList<std::pair<const char *, Figures>> onServer = searches();
     for (qsizetype i = 0; i < onServer.size(); ++i) {

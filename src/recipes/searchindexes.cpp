@@ -3,6 +3,8 @@
 #include "core/db/database.h"
 #include "core/db/integrity.h"
 
+#include <QSqlQuery>
+
 namespace {
 
 const QString kPause = QStringLiteral("CABINET_AVAILABILITY_PAUSE");
@@ -101,6 +103,11 @@ bool onFile()
 
 bool isKept()
 {
+    if (!gNotConnected && gConn().driverName() == u"QPSQL") {
+        QSqlQuery q(gConn());
+        return q.exec(QStringLiteral("SELECT count(*) FROM pg_indexes WHERE indexname = 'ingredients_trigrams'")) &&
+               q.next() && q.value(0).toInt() > 0;
+    }
     if (!onFile())
         return false;
     const Recordset rs =
@@ -110,9 +117,25 @@ bool isKept()
 
 } // namespace
 
+// On a server: trigram indexes of titles and ingredient texts, which its LIKE uses by itself.
+// A server that does not offer them (no pg_trgm, no right to add it) is searched as before.
+bool keepServerIndexes()
+{
+    QSqlQuery q(gConn());
+    return q.exec(QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm")) &&
+           q.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS INGREDIENTS_trigrams ON INGREDIENTS USING gin "
+                                 "((ingredient::text) gin_trgm_ops)")) &&
+           q.exec(QStringLiteral(
+               "CREATE INDEX IF NOT EXISTS RECIPE_title_trigrams ON RECIPE USING gin ((title::text) gin_trgm_ops)"));
+}
+
 bool KeepSearchIndexes()
 {
-    if (!onFile() || gNotConnected)
+    if (gNotConnected)
+        return false;
+    if (gConn().driverName() == u"QPSQL")
+        return keepServerIndexes();
+    if (!onFile())
         return false;
     if (isKept())
         return true;
@@ -129,7 +152,7 @@ bool KeepSearchIndexes()
 
 std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType)
 {
-    if (!isKept())
+    if (!onFile() || !isKept())
         return std::nullopt;
     QList<qint32> available;
     gSQL = QStringLiteral("SELECT recipe_id FROM CABINET_AVAILABILITY WHERE type = '") + recipeType.left(1) +
@@ -149,7 +172,7 @@ bool SearchIndexesAreKept()
 
 SearchIndexesBulk::SearchIndexesBulk()
 {
-    if (!isKept())
+    if (!onFile() || !isKept())
         return;
     m_from = NextId(QStringLiteral("RECIPE"));
     if (ExecuteSQL(QStringLiteral("INSERT INTO CABINET_AVAILABILITY_PAUSE VALUES (%1)").arg(m_from)).failed() ||

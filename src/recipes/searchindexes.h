@@ -7,6 +7,8 @@
 //   line answers);
 // - the ingredient index: each recipe's line texts in upper case, found by their trigrams, which
 //   narrows the ingredient search to the recipes that can hold the text.
+// On a server, trigram indexes of titles and ingredient texts (pg_trgm) serve its LIKE directly;
+// the cabinet's lines are walked there.
 
 #include <QList>
 #include <QString>
@@ -14,8 +16,8 @@
 #include <optional>
 
 // Makes the database keep both (tables and their triggers), filled once from what is stored,
-// when the file does not keep them yet; on a server, a read-only or a damaged file it does
-// nothing. True when the database keeps them.
+// when the file does not keep them yet; a server its trigram indexes; a read-only or damaged
+// file nothing. True when the database keeps them.
 bool KeepSearchIndexes();
 // True when the open database keeps them.
 bool SearchIndexesAreKept();

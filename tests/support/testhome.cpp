@@ -129,7 +129,7 @@ void TestHome::createAndOpenDatabase()
     if (!TestServerDir().isEmpty()) {
         RegisterDataSource(freshServerDatabase());
         OpenFailure failure;
-        if (!OpenDatabase(&failure))
+        if (!OpenDatabase(&failure) || !KeepSearchIndexes())
             qFatal("cannot open the test database on the server: %s", qPrintable(failure.reason));
         return;
     }

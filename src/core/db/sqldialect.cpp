@@ -41,6 +41,11 @@ void likeWithoutCase(QString &code, SqlEngine engine)
     if (engine == SqlEngine::Postgres) {
         static const QRegularExpression like(QStringLiteral("\\bLIKE\\b"), QRegularExpression::CaseInsensitiveOption);
         code.replace(like, QStringLiteral("ILIKE"));
+        // Titles and ingredients are searched as plain text, the way the server's trigram
+        // indexes of them are made.
+        static const QRegularExpression indexed(QStringLiteral("\\b([A-Za-z_]+\\.(title|ingredient))(\\s+ILIKE\\b)"),
+                                                QRegularExpression::CaseInsensitiveOption);
+        code.replace(indexed, QStringLiteral("\\1::text\\3"));
     }
 }
 
