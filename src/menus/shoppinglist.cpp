@@ -11,6 +11,8 @@
 
 #include <QList>
 
+#include <algorithm>
+
 namespace {
 
 const QString kFont = QStringLiteral("Courier New");
@@ -20,6 +22,7 @@ struct NeededRow {
     QString cabinet;
     QString amount;
     QString measure;
+    QString type; // of the recipe, whose cabinet tells whether the item is at hand
 };
 
 QString measureKey(QString measure)
@@ -117,11 +120,11 @@ void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
         printer.SetFileName(gSettings.Preview);
         QList<NeededRow> rows;
         for (Recordset rs =
-                 ExecuteSQL(QStringLiteral("SELECT B.cabinet, B.amount, B.measure FROM RECIPE A, INGREDIENTS "
+                 ExecuteSQL(QStringLiteral("SELECT B.cabinet, B.amount, B.measure, A.type FROM RECIPE A, INGREDIENTS "
                                            "B WHERE A.ID = B.recipe_id AND A.ID IN (") +
                             IdListText(ids) + QStringLiteral(") ORDER BY B.cabinet, B.measure DESC"));
              rs && !rs.eof(); rs.MoveNext())
-            rows.append({rs.text(0), rs.text(1), rs.text(2)});
+            rows.append({rs.text(0), rs.text(1), rs.text(2), rs.text(3)});
         if (rows.isEmpty()) {
             MsgBox(QStringLiteral("There are no ingredients in the recipes of the group ") + nodeText + u'!', Msg::Ok,
                    QStringLiteral("Message"));
@@ -136,15 +139,25 @@ void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
             while (end < rows.size() && rows[end].cabinet.toUpper() == upper)
                 ++end;
             QString amounts = amountsOf(rows, first, end);
+            // At hand when the cabinet of each recipe type that needs it holds it, as the
+            // shopping list judges.
+            QStringList types;
+            for (qsizetype k = first; k < end; ++k)
+                if (!types.contains(rows[k].type, Qt::CaseInsensitive))
+                    types << rows[k].type;
             first = end;
 
             printer.AddText(QStringLiteral("  *  ") + item, kFont, b + 4, false, false);
-            const Recordset available = ExecuteSQL(QStringLiteral("SELECT * FROM CABINET WHERE item = '") + item +
-                                                   QStringLiteral("' AND available = TRUE"));
+            const bool atHand = std::all_of(types.cbegin(), types.cend(), [&item](const QString &type) {
+                const Recordset available =
+                    ExecuteSQL(QStringLiteral("SELECT * FROM CABINET WHERE item = '") + item +
+                               QStringLiteral("' AND available = TRUE AND type = '") + type + u'\'');
+                return available && !available.eof();
+            });
             if (amounts.size() < 4)
                 amounts = QStringLiteral("N/A   ");
             amounts.chop(3);
-            if (!available || available.eof())
+            if (!atHand)
                 printer.AddText(QStringLiteral("  -  (") + amounts + QStringLiteral(") *"), kFont, 10, true, true,
                                 false, kRed);
             else
