@@ -9,8 +9,10 @@
 #include "recipes/searchindexes.h"
 #include "recipes/cabinetnames.h"
 
+#include <QFile>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -68,6 +70,55 @@ int recipesToImport(const IniFile &file)
     return count;
 }
 
+// Texts the file's lines cannot carry as they stand (a line break, a bar, a blank at a field's
+// end, which the reader trims) are written escaped: the section then says so in a line
+// "Escaped=True", and every value of it is read back through unescape(). Sections without that
+// line are read as the file format has always been read.
+const QString kEscapedLine = QStringLiteral("Escaped=True");
+
+bool needsEscape(const QString &text)
+{
+    return text.contains(u'\n') || text.contains(u'\r') || text.contains(u'|') || text.startsWith(u' ') ||
+           text.endsWith(u' ');
+}
+
+QString escaped(QString text)
+{
+    text.replace(u'\\', QStringLiteral("\\\\"))
+        .replace(u'\n', QStringLiteral("\\n"))
+        .replace(u'\r', QStringLiteral("\\r"))
+        .replace(u'|', QStringLiteral("\\|"));
+    if (text.startsWith(u' '))
+        text.replace(0, 1, QStringLiteral("\\s"));
+    if (text.endsWith(u' '))
+        text.replace(text.size() - 1, 1, QStringLiteral("\\s"));
+    return text;
+}
+
+QString unescaped(const QString &text)
+{
+    QString plain;
+    plain.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] != u'\\' || i + 1 == text.size()) {
+            plain += text[i];
+            continue;
+        }
+        const QChar next = text[++i];
+        plain += next == u'n' ? QChar(u'\n') : next == u'r' ? QChar(u'\r') : next == u's' ? QChar(u' ') : next;
+    }
+    return plain;
+}
+
+bool endsWithLineBreak(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() == 0)
+        return true;
+    file.seek(file.size() - 1);
+    return file.read(1) == "\n";
+}
+
 bool isWholeNumber(const QString &text)
 {
     static const QRegularExpression number(QStringLiteral("^[+-]?[0-9]+$"));
@@ -78,12 +129,13 @@ bool isWholeNumber(const QString &text)
 
 QStringList RecipeSectionLines(const QString &recipeId)
 {
-    QStringList lines;
     Recordset rs = ExecuteSQL(QStringLiteral("SELECT * FROM RECIPE WHERE ID = ") + recipeId);
     if (!rs || rs.eof())
-        return lines;
+        return {};
+    // Each line as its key and its values (one, or the fields the separator joins).
+    QList<std::pair<QString, QStringList>> read;
     for (const auto &[key, column] : kFields)
-        lines.append(QLatin1String(key) + u'=' + rs.text(QLatin1String(column)));
+        read.append({QLatin1String(key), {rs.text(QLatin1String(column))}});
 
     rs = ExecuteSQL(QStringLiteral("SELECT * FROM INGREDIENTS WHERE recipe_id = ") + recipeId);
     if (rs) {
@@ -92,17 +144,27 @@ QStringList RecipeSectionLines(const QString &recipeId)
         const int ingredient = rs.columnIndex(QStringLiteral("ingredient"));
         const int cabinet = rs.columnIndex(QStringLiteral("cabinet"));
         for (int k = 1; !rs.eof(); ++k, rs.MoveNext())
-            lines.append(QStringLiteral("Ing") + QString::number(k) + u'=' + rs.text(amount) + kSeparator +
-                         rs.text(measure) + kSeparator + rs.text(ingredient) + kSeparator + rs.text(cabinet));
+            read.append({QStringLiteral("Ing") + QString::number(k),
+                         {rs.text(amount), rs.text(measure), rs.text(ingredient), rs.text(cabinet)}});
     }
     rs = ExecuteSQL(QStringLiteral("SELECT * FROM DIRECTIONS WHERE recipe_id = ") + recipeId);
     if (rs) {
         const int step = rs.columnIndex(QStringLiteral("step"));
         const int direction = rs.columnIndex(QStringLiteral("direction"));
         for (int k = 1; !rs.eof(); ++k, rs.MoveNext())
-            lines.append(QStringLiteral("Dir") + QString::number(k) + u'=' + rs.text(step) + kSeparator +
-                         rs.text(direction));
+            read.append({QStringLiteral("Dir") + QString::number(k), {rs.text(step), rs.text(direction)}});
     }
+    bool escape = false;
+    for (const auto &[key, values] : read)
+        escape = escape || std::any_of(values.begin(), values.end(), needsEscape);
+    QStringList lines;
+    for (auto &[key, values] : read) {
+        if (escape)
+            std::transform(values.begin(), values.end(), values.begin(), escaped);
+        lines.append(key + u'=' + values.join(kSeparator));
+    }
+    if (escape)
+        lines.append(kEscapedLine);
     return lines;
 }
 
@@ -129,17 +191,23 @@ QString cTransfer::SubItem(const QString &value, int n)
 void cTransfer::Export(const QStringList &chosen)
 {
     // The file is read once, the sections are added in memory and the file is replaced once:
-    // a program stopped half-way leaves the file as it was.
+    // a program stopped half-way, or Cancel, leaves the file as it was.
     IniFile file(FileName);
     const qint64 base = lastSection(file);
     qint64 written = 0;
     {
         StatusGuard status {QString()};
+        StatusCancel cancel;
         SetStatusMaximum(int(chosen.size()));
         for (qsizetype i = 1; i <= chosen.size(); ++i) {
             ShowStatusStep(QStringLiteral("Exporting recipe ID: ") + QString::number(i) + QStringLiteral(" to ") +
                                FileName,
                            int(i));
+            if (cancel.requested()) {
+                MsgBox(QStringLiteral("The export was cancelled: nothing was written to ") + FileName + u'.',
+                       Msg::Information, QStringLiteral("Export Cancelled"));
+                return;
+            }
             const QStringList lines = RecipeSectionLines(chosen[i - 1]);
             if (lines.isEmpty())
                 continue; // deleted since it was chosen; the numbers stay without a gap
@@ -188,6 +256,15 @@ void cTransfer::Import()
         StatementBatch batch;
         const qint32 firstNew = batch.begun() ? NextId(QStringLiteral("RECIPE")) : 0;
         SearchIndexesBulk counted;
+        // A file cut short (a copy or a download that stopped) ends within a line, or holds fewer
+        // recipes than its [ID] section counts: its last recipe may be cut, and is left out.
+        const int expected = recipesToImport(file);
+        int present = 0;
+        while (file.hasSection(QString::number(present + 1)))
+            ++present;
+        m_lastWhole = present;
+        if (!endsWithLineBreak(FileName) || (file.hasSection(kIdSection) && expected > present))
+            --m_lastWhole;
         for (m_section = 1; batch.begun(); ++m_section) {
             ShowStatusStep(QStringLiteral("Importing recipe ") + QString::number(m_section) + QStringLiteral(" from ") +
                                FileName,
@@ -197,6 +274,9 @@ void cTransfer::Import()
             if (lines.size() <= 1)
                 break;
         }
+        if (expected > present && file.hasSection(kIdSection))
+            m_leftOut.append(
+                QStringLiteral("Recipes %1 to %2: the file ends before them").arg(present + 1).arg(expected));
         // The new cabinet names of the file's recipes, in the same commit.
         if ((stored > 0 && !AddCabinetItems(newCabinetNames(firstNew)).isEmpty()) || !counted.finish())
             batch.fail();
@@ -249,10 +329,16 @@ bool cTransfer::RecipeProcess(const QStringList &lines)
         return true;
     };
 
+    const bool escape = lines.contains(kEscapedLine);
+    const auto value = [escape](const QString &text) { return escape ? unescaped(text) : text; };
     QStringList values;
     for (qsizetype i = 0; i < qsizetype(kFields.size()); ++i)
-        values.append(IniLineValue(lines[i]));
+        values.append(value(IniLineValue(lines[i])));
     const QString named = recipe + QStringLiteral(" (") + values[3] + u')';
+    if (m_section > m_lastWhole) {
+        m_leftOut.append(named + QStringLiteral(": the file ends within it, so it is left out whole"));
+        return false;
+    }
     if (!carries(named, values))
         return false;
 
@@ -267,19 +353,19 @@ bool cTransfer::RecipeProcess(const QStringList &lines)
 
     qsizetype at = qsizetype(kFields.size());
     for (int k = 1; at < lines.size() && lines[at].contains(QStringLiteral("Ing%1=").arg(k)); ++k, ++at) {
-        const QString value = IniLineValue(lines[at]);
+        const QString line = IniLineValue(lines[at]);
         QStringList fields;
         for (int n = 1; n <= 4; ++n)
-            fields.append(SubItem(value, n));
+            fields.append(value(SubItem(line, n)));
         if (!carries(named + QStringLiteral(", Ing%1").arg(k), fields))
             continue;
         ExecuteSQL(QStringLiteral("INSERT INTO INGREDIENTS VALUES (") + id + QStringLiteral(", ") + QString::number(k) +
                    QStringLiteral(", '") + fields.join(QStringLiteral("', '")) + QStringLiteral("')"));
     }
     for (int k = 1; at < lines.size() && lines[at].contains(QStringLiteral("Dir%1=").arg(k)); ++k, ++at) {
-        const QString value = IniLineValue(lines[at]);
-        const QString step = SubItem(value, 1);
-        const QString direction = SubItem(value, 2);
+        const QString line = IniLineValue(lines[at]);
+        const QString step = SubItem(line, 1);
+        const QString direction = value(SubItem(line, 2));
         const QString where = named + QStringLiteral(", Dir%1").arg(k);
         if (!isWholeNumber(step)) {
             m_leftOut.append(where + QStringLiteral(": the step \"") + step + QStringLiteral("\" is not a number"));

@@ -34,8 +34,10 @@ private:
     // Why a recipe or a line of the file being imported was left out, one line each.
     QStringList m_leftOut;
     int m_section = 0;
+    int m_lastWhole = 0; // the last section the file holds whole
 };
 
 // The lines of the recipe's section: its eight fields, its ingredients and its directions, in
-// the order the database gives them; none when there is no such recipe.
+// the order the database gives them, escaped when a text needs it ("Escaped=True" then says
+// so); none when there is no such recipe.
 QStringList RecipeSectionLines(const QString &recipeId);
