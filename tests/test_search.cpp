@@ -176,7 +176,6 @@ private Q_SLOTS:
     // and changed texts: the recipes the cabinet can make, and those an ingredient text finds.
     void keptIndexesAgreeWithTheirWalks()
     {
-        SKIP_ON_SERVER();
         QVERIFY(SearchIndexesAreKept());
         QRandomGenerator random(31);
         const QStringList names {"salt", "SALT", "Flour", "flour", "Épices", "épices", "egg", "", "milk", "oil"};
@@ -249,7 +248,7 @@ private Q_SLOTS:
             context.recipeType = QStringList {"Food", "Drink"}[round % 2];
             const QString sql = BuildSearchSql(criteria, context);
             const QString walked = QString(sql).replace(QStringLiteral("UCASE(b.ingredient)"),
-                                                        QStringLiteral("UCASE(b.ingredient || '')"));
+                                                        QStringLiteral("(b.ingredient || '')"));
             QCOMPARE(ids(sql), ids(walked));
         }
     }

@@ -152,11 +152,20 @@ bool KeepSearchIndexes()
 
 std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType)
 {
-    if (!onFile() || !isKept())
-        return std::nullopt;
     QList<qint32> available;
-    gSQL = QStringLiteral("SELECT recipe_id FROM CABINET_AVAILABILITY WHERE type = '") + recipeType.left(1) +
-           QStringLiteral("' AND missing = 0 AND matched > 0 ORDER BY recipe_id");
+    if (!gNotConnected && gConn().driverName() == u"QPSQL") {
+        // A server counts the lines itself and hands over the recipes alone.
+        gSQL = QStringLiteral("SELECT A.recipe_id FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item AND "
+                              "B.type = '") +
+               recipeType.left(1) +
+               QStringLiteral("' GROUP BY A.recipe_id HAVING sum(CASE WHEN B.available = 0 THEN 1 ELSE 0 END) = 0 "
+                              "ORDER BY A.recipe_id");
+    } else if (onFile() && isKept()) {
+        gSQL = QStringLiteral("SELECT recipe_id FROM CABINET_AVAILABILITY WHERE type = '") + recipeType.left(1) +
+               QStringLiteral("' AND missing = 0 AND matched > 0 ORDER BY recipe_id");
+    } else {
+        return std::nullopt;
+    }
     Recordset rs = ExecuteSQL(gSQL);
     if (!rs)
         return std::nullopt;

@@ -7,8 +7,8 @@
 //   line answers);
 // - the ingredient index: each recipe's line texts in upper case, found by their trigrams, which
 //   narrows the ingredient search to the recipes that can hold the text.
-// On a server, trigram indexes of titles and ingredient texts (pg_trgm) serve its LIKE directly;
-// the cabinet's lines are walked there.
+// On a server, trigram indexes of titles and ingredient texts (pg_trgm) serve its LIKE directly,
+// and the server counts the cabinet's lines itself.
 
 #include <QList>
 #include <QString>
@@ -22,7 +22,8 @@ bool KeepSearchIndexes();
 // True when the open database keeps them.
 bool SearchIndexesAreKept();
 // The recipes that can be made with the cabinet of the type (its first letter counts), in
-// ascending identifier order; nothing when the database does not keep the availability.
+// ascending identifier order; nothing when the database does not keep the availability (a
+// server always counts it).
 std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType);
 
 // While it lives, inside the batch of an import, the recipes stored from the next free
