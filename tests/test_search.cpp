@@ -247,8 +247,8 @@ private Q_SLOTS:
             SearchContext context;
             context.recipeType = QStringList {"Food", "Drink"}[round % 2];
             const QString sql = BuildSearchSql(criteria, context);
-            const QString walked = QString(sql).replace(QStringLiteral("UCASE(b.ingredient)"),
-                                                        QStringLiteral("(b.ingredient || '')"));
+            const QString walked =
+                QString(sql).replace(QStringLiteral("UCASE(b.ingredient)"), QStringLiteral("(b.ingredient || '')"));
             QCOMPARE(ids(sql), ids(walked));
         }
     }
