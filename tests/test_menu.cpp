@@ -14,6 +14,7 @@
 #include <QCheckBox>
 #include <QDateEdit>
 #include <QLocale>
+#include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -157,6 +158,32 @@ private Q_SLOTS:
         QCOMPARE(shape(menu.tree()), QStringList {" > Root = All Menus"});
         QCOMPARE(menu.nextNodeNumber(), 1);
         QCOMPARE(gSubWindows, qint16(1));
+    }
+
+    // Move Up and Down reorder a node among its siblings, with what is below it; the order is saved.
+    void nodesMoveAndTheOrderIsSaved()
+    {
+        frmMenu &menu = openMenu();
+        MenuTree &tree = menu.tree();
+        tree.add(kRootKey, QStringLiteral("Title: 1"), QStringLiteral("Week 1"));
+        tree.add(QStringLiteral("Title: 1"), QStringLiteral("Day: 3"), QStringLiteral("Monday"));
+        tree.add(kRootKey, QStringLiteral("Title: 2"), QStringLiteral("Week 2"));
+        tree.add(QStringLiteral("Title: 2"), QStringLiteral("Day: 4"), QStringLiteral("Tuesday"));
+        select(QStringLiteral("Title: 2"));
+        QTest::mouseClick(menu.cmdMoveUp, Qt::LeftButton);
+        QTest::mouseClick(menu.cmdMoveUp, Qt::LeftButton); // first already: nothing moves
+        select(QStringLiteral("Day: 3"));
+        QTest::mouseClick(menu.cmdMoveDown, Qt::LeftButton); // last of its group already
+        const QStringList moved {"Root > Title: 2 = Week 2", "Title: 2 > Day: 4 = Tuesday", "Root > Title: 1 = Week 1",
+                                 "Title: 1 > Day: 3 = Monday"};
+        QCOMPARE(shape(tree).mid(1), moved);
+        QVERIFY(menu.dataChanged());
+        menu.cmdSave_Click();
+        QTreeWidget view;
+        MenuTree loaded(&view);
+        LoadMenu(loaded);
+        QCOMPARE(shape(loaded).mid(1), moved);
+        QCOMPARE(view.topLevelItem(0)->child(0)->text(0), QStringLiteral("Week 2"));
     }
 
     void planAWeekSaveAndLoadItBack()

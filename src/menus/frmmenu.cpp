@@ -63,6 +63,8 @@ frmMenu::frmMenu(QWidget *parent) : QWidget(parent, Qt::Window), m_tree(nullptr)
     wire(cmdMealAdd, std::mem_fn(&frmMenu::cmdMealAdd_Click));
     wire(cmdAddRecipes, std::mem_fn(&frmMenu::cmdAddRecipes_Click));
     wire(cmdDelete, std::mem_fn(&frmMenu::cmdDelete_Click));
+    wire(cmdMoveUp, [](frmMenu *w) { w->cmdMove_Click(-1); });
+    wire(cmdMoveDown, [](frmMenu *w) { w->cmdMove_Click(1); });
     wire(cmdPrintAll, std::mem_fn(&frmMenu::cmdPrintAll_Click));
     wire(cmdSave, std::mem_fn(&frmMenu::cmdSave_Click));
     wire(cmdClose, std::mem_fn(&frmMenu::cmdClose_Click));
@@ -99,6 +101,8 @@ void frmMenu::buildLayout()
     mealRow->addWidget(cmdMealAdd);
     cmdAddRecipes = button("cmdAddRecipes", QStringLiteral("Add &Recipes"));
     cmdDelete = button("cmdDelete", QStringLiteral("&Delete Entry"));
+    cmdMoveUp = button("cmdMoveUp", QStringLiteral("Move U&p"));
+    cmdMoveDown = button("cmdMoveDown", QStringLiteral("Move Do&wn"));
     const std::array<QString, 4> expand {QStringLiteral("S&how Group Nodes"), QStringLiteral("E&xpand Group Nodes"),
                                          QStringLiteral("C&ollapse All Nodes"), QStringLiteral("Expand A&ll Nodes")};
     for (int i = 0; i < 4; ++i) {
@@ -132,7 +136,11 @@ void frmMenu::buildLayout()
     step(2, fraDailyBreakdown);
     step(3, cmdAddRecipes);
     side->addSpacing(8);
-    side->addWidget(cmdDelete);
+    auto *editing = new QHBoxLayout;
+    editing->addWidget(cmdDelete);
+    editing->addWidget(cmdMoveUp);
+    editing->addWidget(cmdMoveDown);
+    side->addLayout(editing);
     auto *expandGrid = new QGridLayout;
     for (int i = 0; i < 4; ++i)
         expandGrid->addWidget(cmdExpand[i], i / 2, i % 2);
@@ -317,6 +325,15 @@ void frmMenu::cmdAddRecipes_Click()
     if (!passedOver.isEmpty())
         MsgBox(QStringLiteral("These recipes were not added:\n\n") + MessageList(passedOver), Msg::Information,
                QStringLiteral("Message"));
+}
+
+void frmMenu::cmdMove_Click(int direction)
+{
+    QTreeWidgetItem *node = selected();
+    if (!node || !m_tree.move(node, direction))
+        return;
+    tvMenu->setCurrentItem(node);
+    m_changed = true;
 }
 
 void frmMenu::cmdDelete_Click()

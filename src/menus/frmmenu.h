@@ -33,6 +33,8 @@ public:
     QPushButton *cmdNewGroup;
     QPushButton *cmdAddRecipes;
     QPushButton *cmdDelete;
+    QPushButton *cmdMoveUp;
+    QPushButton *cmdMoveDown;
     std::array<QPushButton *, 4> cmdExpand;
     std::array<QPushButton *, 2> cmdShop;
     QPushButton *cmdPrintAll;
@@ -51,6 +53,8 @@ public Q_SLOTS:
     void cmdMealAdd_Click();
     void cmdAddRecipes_Click();
     void cmdDelete_Click();
+    // Moves the selected node one place up (-1) or down (+1) among its siblings.
+    void cmdMove_Click(int direction);
     void cmdExpand_Click(int index);
     void cmdShop_Click(int index);
     void cmdPrintAll_Click();

@@ -92,6 +92,38 @@ void MenuTree::remove(QTreeWidgetItem *node)
     delete node; // takes its children along and leaves the view
 }
 
+bool MenuTree::move(QTreeWidgetItem *node, int direction)
+{
+    QTreeWidgetItem *parent = node->parent();
+    const int at = parent ? parent->indexOfChild(node) : m_view->indexOfTopLevelItem(node);
+    const int to = at + direction;
+    const int siblings = parent ? parent->childCount() : m_view->topLevelItemCount();
+    if (at < 0 || to < 0 || to >= siblings)
+        return false;
+    const bool expanded = node->isExpanded();
+    if (parent) {
+        parent->takeChild(at);
+        parent->insertChild(to, node);
+    } else {
+        m_view->takeTopLevelItem(at);
+        m_view->insertTopLevelItem(to, node);
+    }
+    node->setExpanded(expanded);
+    // The order a save walks is the view's from now on: each node after its parent, siblings
+    // as they stand.
+    m_order.clear();
+    QList<QTreeWidgetItem *> pending;
+    for (int i = m_view->topLevelItemCount() - 1; i >= 0; --i)
+        pending.append(m_view->topLevelItem(i));
+    while (!pending.isEmpty()) {
+        QTreeWidgetItem *item = pending.takeLast();
+        m_order.append(item);
+        for (int i = item->childCount() - 1; i >= 0; --i)
+            pending.append(item->child(i));
+    }
+    return true;
+}
+
 void MenuTree::clear()
 {
     m_view->clear();

@@ -33,6 +33,9 @@ public:
     QTreeWidgetItem *find(const QString &key) const { return m_byKey.value(key); }
     // Removes the node with everything below it.
     void remove(QTreeWidgetItem *node);
+    // Moves the node, with everything below it, one place up (-1) or down (+1) among its
+    // siblings; false when it stands first or last already.
+    bool move(QTreeWidgetItem *node, int direction);
     void clear();
     // Every node, in the order it was made.
     const QList<QTreeWidgetItem *> &nodes() const { return m_order; }
