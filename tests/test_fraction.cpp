@@ -2,6 +2,7 @@
 
 #include "core/platform/platform.h"
 #include "quantities/cfraction.h"
+#include "quantities/measures.h"
 #include "support/testhome.h"
 
 #include <QRandomGenerator>
@@ -45,6 +46,74 @@ public:
     TestFraction() : CoreSessionTest(false) { }
 
 private Q_SLOTS:
+    // Amounts shown in the other system, checked by hand: "" where nothing is converted.
+    void conversions_data()
+    {
+        QTest::addColumn<QString>("amount");
+        QTest::addColumn<QString>("measure");
+        QTest::addColumn<int>("system");
+        QTest::addColumn<QString>("shown");
+        const int us = int(MeasureSystem::US), metric = int(MeasureSystem::Metric);
+        const auto row = [](const char *name, const char *amount, const char *measure, int system, const char *shown) {
+            QTest::newRow(name) << QString::fromUtf8(amount) << QString::fromUtf8(measure) << system
+                                << QString::fromUtf8(shown);
+        };
+        row("7/16 cup: 103.5 ml, past the 16-bit fractions", "7/16", "cup", metric, "104 ml");
+        row("a cup", "1", "Cups", metric, "237 ml");
+        row("T is a tablespoon", "1", "T", metric, "15 ml");
+        row("t is a teaspoon", "1", "t", metric, "5 ml");
+        row("mixed number", "1 1/2", "Tbsp.", metric, "22 ml");
+        row("a litre in cups", "1", "l", us, "4 1/4 cup");
+        row("250 ml is about a cup", "250", "ml", us, "1 cup");
+        row("two thirds", "160", "ml", us, "2/3 cup");
+        row("small amounts in spoons", "10", "ml", us, "2 tsp");
+        row("spoons in tablespoons", "45", "ml", us, "3 Tbsp");
+        row("mass in pounds", "500", "g", us, "1 1/8 lb");
+        row("decimal kilograms", "1.5", "kg", us, "3 1/3 lb");
+        row("pounds in grams", "2", "lb", metric, "907 g");
+        row("large volumes in litres", "2", "imp pint", metric, "1.1 l");
+        row("a huge amount", "999999999", "gallon", metric, "3785411780.2 l");
+        row("already US", "3", "tsp", us, "");
+        row("already metric", "1200", "ml", metric, "");
+        row("a range", "1-2", "cup", metric, "");
+        row("no unit", "1", "pinch", metric, "");
+        row("as written", "1", "cup", int(MeasureSystem::AsWritten), "");
+    }
+    void conversions()
+    {
+        QFETCH(QString, amount);
+        QFETCH(QString, measure);
+        QFETCH(int, system);
+        QFETCH(QString, shown);
+        const std::optional<ShownAmount> converted = ConvertAmount(amount, measure, MeasureSystem(system));
+        QCOMPARE(converted ? converted->amount + u' ' + converted->measure : QString(), shown);
+    }
+
+    void combinedAmountsAndTemperatures()
+    {
+        const auto combined = [](const QList<std::pair<QString, QString>> &parts) {
+            const std::optional<ShownAmount> c = CombineAmounts(parts);
+            return c ? c->amount + u' ' + c->measure : QString();
+        };
+        QCOMPARE(combined({{"1 1/2", "tsp"}, {"1", "Tbsp"}}), QStringLiteral("1 1/2 Tbsp"));
+        QCOMPARE(combined({{"1", "cup"}, {"250", "ml"}}), QStringLiteral("2 cup"));
+        QCOMPARE(combined({{"300", "g"}, {"0.8", "kg"}}), QStringLiteral("1.1 kg"));
+        QCOMPARE(combined({{"1", "cup"}, {"1", "lb"}}), QString()); // volume and mass stay apart
+        QCOMPARE(combined({{"1", "pinch"}, {"1", "tsp"}}), QString());
+        const auto annotated = [](const char *text, MeasureSystem system) {
+            return AnnotateTemperatures(QString::fromUtf8(text), system);
+        };
+        QCOMPARE(annotated("Bake at 350°F for 1 hour.", MeasureSystem::Metric),
+                 QStringLiteral("Bake at 350°F (175°C) for 1 hour."));
+        QCOMPARE(annotated("Heat to 180 C, then 200 degrees c.", MeasureSystem::US),
+                 QStringLiteral("Heat to 180 C (355°F), then 200 degrees c (390°F)."));
+        QCOMPARE(annotated("Oven at gas mark 4.", MeasureSystem::Metric),
+                 QStringLiteral("Oven at gas mark 4 (180°C)."));
+        for (const char *unchanged : {"Add 2 C flour and 20 C water.", "Bake at 350°F."})
+            QCOMPARE(annotated(unchanged, MeasureSystem::US), QString::fromUtf8(unchanged));
+        QCOMPARE(annotated("Bake at 350°F.", MeasureSystem::AsWritten), QStringLiteral("Bake at 350°F."));
+    }
+
     void parsing_data()
     {
         QTest::addColumn<QString>("text");

@@ -462,6 +462,16 @@ private Q_SLOTS:
         QCOMPARE(printedLines().filter(QStringLiteral("pfel")).size(), 0);
     }
 
+    // Asked for in the settings, measures that convert into one another are summed into one.
+    void measuresCombineWhenAsked()
+    {
+        const qint32 id = storeRecipe(QStringLiteral("Brine"), {"1 1/2|tsp|salt", "1|Tbsp|salt", "1|pinch|salt"});
+        gSettings.CombineMeasures = true;
+        ShowNeededAmounts(QStringLiteral("Day"), {u' ' + QString::number(id)});
+        gSettings.CombineMeasures = false;
+        QCOMPARE(printedLines().at(2), QStringLiteral("  *  salt  -  (1 1/2 Tbsp + 1 pinch) *"));
+    }
+
     void listsWithNothingToShowSaySo()
     {
         ShowNeededAmounts(QStringLiteral("Empty"), {});

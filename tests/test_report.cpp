@@ -8,6 +8,8 @@
 #include "reports/frmpreview.h"
 #include "reports/recipeprinter.h"
 #include "reports/recipereport.h"
+#include "settings/frmsettings.h"
+#include "core/platform/modini.h"
 #include "support/testsupport.h"
 
 #include <QComboBox>
@@ -67,6 +69,33 @@ private Q_SLOTS:
     {
         SetPrintPreviewSink(nullptr);
         SessionTest::cleanup();
+    }
+
+    // Shown in the household's measures when the settings ask: amounts and temperatures
+    // converted, the recipe itself unchanged; as written otherwise (the document above).
+    void amountsShownInTheChosenMeasures()
+    {
+        RecipeData r = pie();
+        r.directions[1].direction = QStringLiteral("Bake at 350°F.");
+        const RecipeData before = r;
+        for (const auto &[system, flour, bake] :
+             {std::tuple {MeasureSystem::Metric, "  473 ml Flour", "\tBake at 350°F (175°C)."},
+              std::tuple {MeasureSystem::US, "  2 cup Flour", "\tBake at 350°F."}}) {
+            RecipePrinter p;
+            ReportSettings s;
+            s.measures = system;
+            ComposeRecipe(p, r, s);
+            QCOMPARE(texts(p).at(7), QString::fromUtf8(flour));
+            QVERIFY(texts(p).contains(QStringLiteral("  6 Apples")));
+            QVERIFY2(p.plainText().contains(QString::fromUtf8(bake)), qPrintable(p.plainText()));
+        }
+        QCOMPARE(Describe(r), Describe(before));
+        // Chosen in the settings dialog and kept in the settings file.
+        frmSettings dialog;
+        dialog.cboMeasures->setCurrentIndex(2);
+        dialog.cmdClose_Click();
+        QCOMPARE(gSettings.ShowMeasures, QStringLiteral("Metric"));
+        QCOMPARE(GetIniValue(m_home->iniPath(), "Misc", "ShowMeasures"), QStringLiteral("Metric"));
     }
 
     void oneRecipeComposed()

@@ -6,6 +6,7 @@
 #include "core/db/database.h"
 #include "core/ui/msgbox.h"
 #include "quantities/cfraction.h"
+#include "quantities/measures.h"
 #include "recipes/recipedata.h"
 #include "reports/recipeprinter.h"
 
@@ -56,6 +57,25 @@ QString amountsOf(const QList<NeededRow> &rows, qsizetype from, qsizetype to)
             amounts += sum.StringValue() + u' ' + measure + QStringLiteral(" + ");
     }
     return amounts;
+}
+
+// As amountsOf, but the amounts whose measures convert into one another summed into one amount
+// first, in the largest sensible unit; the others follow as amountsOf lists them.
+QString combinedAmountsOf(const QList<NeededRow> &rows, qsizetype from, qsizetype to)
+{
+    QList<std::pair<QString, QString>> convertible;
+    QList<NeededRow> others;
+    for (qsizetype i = from; i < to; ++i) {
+        if (ConvertAmount(rows[i].amount, rows[i].measure, MeasureSystem::US) ||
+            ConvertAmount(rows[i].amount, rows[i].measure, MeasureSystem::Metric))
+            convertible.append({rows[i].amount, rows[i].measure});
+        else
+            others.append(rows[i]);
+    }
+    const std::optional<ShownAmount> sum = convertible.size() > 1 ? CombineAmounts(convertible) : std::nullopt;
+    if (!sum)
+        return amountsOf(rows, from, to);
+    return sum->amount + u' ' + sum->measure + QStringLiteral(" + ") + amountsOf(others, 0, others.size());
 }
 
 } // namespace
@@ -138,7 +158,8 @@ void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
             qsizetype end = first + 1;
             while (end < rows.size() && rows[end].cabinet.toUpper() == upper)
                 ++end;
-            QString amounts = amountsOf(rows, first, end);
+            QString amounts =
+                gSettings.CombineMeasures ? combinedAmountsOf(rows, first, end) : amountsOf(rows, first, end);
             // At hand when the cabinet of each recipe type that needs it holds it, as the
             // shopping list judges.
             QStringList types;

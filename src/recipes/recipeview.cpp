@@ -12,6 +12,7 @@ void frmAdd2::cmdView_Click()
     ReportSettings settings;
     settings.baseFontSize = gSettings.BaseFontSize;
     settings.blankLines = gSettings.BlankLines;
+    settings.measures = MeasureSystemFromText(gSettings.ShowMeasures);
     // The editor's own type decides, not the program's current one.
     settings.foodFacts = RecipeType == u"Food";
     ComposeRecipe(printer, CurrentRecipe(), settings);

@@ -52,10 +52,14 @@ void ComposeRecipe(RecipePrinter &p, const RecipeData &r, const ReportSettings &
         p.AddLine(QStringLiteral("Ingredients:"), kFont, b + 2, false, true);
         for (const IngredientLine &line : r.ingredients) {
             p.AddText(QStringLiteral("  "), kFont, 9, false, false);
-            if (line.amount != kUnset)
-                p.AddText(line.amount + u' ', kFont, b, false, false);
-            if (line.measure != kUnset)
-                p.AddText(line.measure + u' ', kFont, b, false, false);
+            // Shown in the household's measures, when asked for; the recipe keeps what was written.
+            const std::optional<ShownAmount> converted = ConvertAmount(line.amount, line.measure, s.measures);
+            const QString amount = converted ? converted->amount : line.amount;
+            const QString measure = converted ? converted->measure : line.measure;
+            if (amount != kUnset)
+                p.AddText(amount + u' ', kFont, b, false, false);
+            if (measure != kUnset)
+                p.AddText(measure + u' ', kFont, b, false, false);
             p.AddLine(line.ingredient, kFont, b, false, false);
         }
         p.AddLine(QString(), kFont, 9, false, false);
@@ -65,7 +69,7 @@ void ComposeRecipe(RecipePrinter &p, const RecipeData &r, const ReportSettings &
         for (const DirectionLine &line : r.directions) {
             p.AddText(QStringLiteral("  "), kFont, 9, false, false);
             p.AddText(line.step + u':', kFont, b, true, false);
-            p.AddLine(u'\t' + line.direction, kFont, b, false, false);
+            p.AddLine(u'\t' + AnnotateTemperatures(line.direction, s.measures), kFont, b, false, false);
             if (s.blankLines)
                 p.AddLine(QString(), kFont, HalfBlankSize(b), false, false);
         }
@@ -108,6 +112,7 @@ void PrintRecipes(const QList<qint32> &ids)
         ReportSettings settings;
         settings.baseFontSize = b;
         settings.blankLines = gSettings.BlankLines;
+        settings.measures = MeasureSystemFromText(gSettings.ShowMeasures);
         settings.foodFacts = gRecipeType == u"Food";
         for (qsizetype i = 0; i < n; ++i) {
             RecipeData recipe = LoadRecipe(ids[i]);

@@ -2,6 +2,7 @@
 // The printed recipe: one or many recipes composed for the preview.
 
 #include "recipeprinter.h"
+#include "quantities/measures.h"
 #include "recipes/recipedata.h"
 
 #include <QList>
@@ -10,6 +11,7 @@ struct ReportSettings {
     int baseFontSize = 9;
     bool blankLines = true;
     bool foodFacts = true; // servings and times are printed for Food only
+    MeasureSystem measures = MeasureSystem::AsWritten; // amounts and temperatures shown converted
 };
 
 // Composes one recipe. A number above 0 is printed before the title (numbered reports).

@@ -1,5 +1,7 @@
 #include "frmsettings.h"
 
+#include "quantities/measures.h"
+
 #include "core/platform/appsettings.h"
 #include "core/ui/controls.h"
 #include "core/db/database.h"
@@ -106,6 +108,12 @@ void frmSettings::buildLayout()
     chkPageNumbers =
         new QCheckBox(QStringLiteral("Print the Table of Contents and number the recipes to match"), fraPrint);
     chkPageNumbers->setObjectName(QStringLiteral("chkPageNumbers"));
+    cboMeasures = new QComboBox(fraPrint);
+    cboMeasures->setObjectName(QStringLiteral("cboMeasures"));
+    cboMeasures->addItems(
+        {QStringLiteral("as written"), QStringLiteral("in US measures"), QStringLiteral("in metric measures")});
+    chkCombine = new QCheckBox(QStringLiteral("Sum the needed amounts of measures that convert into one"), fraPrint);
+    chkCombine->setObjectName(QStringLiteral("chkCombine"));
     {
         auto *layout = new QVBoxLayout(fraPrint);
         auto *sizeRow = new QHBoxLayout;
@@ -118,6 +126,14 @@ void frmSettings::buildLayout()
         layout->addWidget(chkNewPage);
         layout->addWidget(chkSpaceBetween);
         layout->addWidget(chkPageNumbers);
+        auto *measuresRow = new QHBoxLayout;
+        auto *measuresLabel = new QLabel(QStringLiteral("Show a&mounts and temperatures of recipes:"), fraPrint);
+        measuresLabel->setBuddy(cboMeasures);
+        measuresRow->addWidget(measuresLabel);
+        measuresRow->addWidget(cboMeasures);
+        measuresRow->addStretch();
+        layout->addLayout(measuresRow);
+        layout->addWidget(chkCombine);
         layout->addStretch();
     }
 
@@ -262,6 +278,8 @@ void frmSettings::Form_Load()
     chkSeekAmount->setChecked(s.SeekAmount);
     optAdd[s.StandardAdd ? 0 : 1]->setChecked(true);
     chkLimit->setChecked(s.OnlyNewRecipes);
+    cboMeasures->setCurrentIndex(int(MeasureSystemFromText(s.ShowMeasures)));
+    chkCombine->setChecked(s.CombineMeasures);
 }
 
 void frmSettings::readControls()
@@ -280,6 +298,8 @@ void frmSettings::readControls()
     s.SeekAmount = chkSeekAmount->isChecked();
     s.StandardAdd = optAdd[0]->isChecked();
     s.OnlyNewRecipes = chkLimit->isChecked();
+    s.ShowMeasures = MeasureSystemText(MeasureSystem(cboMeasures->currentIndex()));
+    s.CombineMeasures = chkCombine->isChecked();
 }
 
 void frmSettings::cmdClose_Click()
@@ -298,6 +318,8 @@ void frmSettings::cmdReset_Click()
     cboFontSize->setCurrentText(QStringLiteral("9"));
     chkNewPage->setChecked(true);
     chkSpaceBetween->setChecked(true);
+    cboMeasures->setCurrentIndex(0);
+    chkCombine->setChecked(false);
     chkPageNumbers->setChecked(false);
     txtFilename->setText(shippedPath("recipes.rtf"));
     txtTransfer->setText(DefaultTransferPath());

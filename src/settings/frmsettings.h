@@ -32,6 +32,8 @@ public:
     QCheckBox *chkNewPage;
     QCheckBox *chkSpaceBetween;
     QCheckBox *chkPageNumbers;
+    QComboBox *cboMeasures; // amounts as written, in US or in metric measures
+    QCheckBox *chkCombine;
     QLineEdit *txtDatabase;
     QLineEdit *txtTransfer;
     QLineEdit *txtFilename;

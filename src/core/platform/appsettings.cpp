@@ -45,6 +45,8 @@ AppSettings ReadAppSettings(const QString &iniPath, const FileDefaults &defaults
     s.SeekAmount = readSwitch(kMisc, QStringLiteral("SeekAmount"));
     s.StandardAdd = readSwitch(kMisc, QStringLiteral("StandardAdd"));
     s.OnlyNewRecipes = readSwitch(kMisc, QStringLiteral("OnlyNewRecipes"));
+    s.ShowMeasures = GetIniValue(iniPath, kMisc, QStringLiteral("ShowMeasures"));
+    s.CombineMeasures = readSwitch(kMisc, QStringLiteral("CombineMeasures"));
     return s;
 }
 
@@ -63,5 +65,12 @@ void WriteAppSettings(const QString &iniPath, const AppSettings &s)
     file.write(kMisc, QStringLiteral("SeekAmount=") + switchText(s.SeekAmount));
     file.write(kMisc, QStringLiteral("StandardAdd=") + switchText(s.StandardAdd));
     file.write(kMisc, QStringLiteral("OnlyNewRecipes=") + switchText(s.OnlyNewRecipes));
+    // The display choices of amounts are written only once changed: a file that never had them
+    // keeps the settings' twelve keys alone.
+    if (file.value(kMisc, QStringLiteral("ShowMeasures")) != s.ShowMeasures)
+        file.write(kMisc, QStringLiteral("ShowMeasures=") + s.ShowMeasures);
+    const QString combine = file.value(kMisc, QStringLiteral("CombineMeasures"));
+    if ((combine.compare(QLatin1String("True"), Qt::CaseInsensitive) == 0) != s.CombineMeasures)
+        file.write(kMisc, QStringLiteral("CombineMeasures=") + switchText(s.CombineMeasures));
     file.save();
 }

@@ -21,6 +21,10 @@ struct AppSettings {
     bool SeekAmount = false;
     bool StandardAdd = false;
     bool OnlyNewRecipes = false;
+    // How the recipe view and the report show amounts: "" as written, "US" or "Metric".
+    QString ShowMeasures;
+    // Whether the needed amounts sum compatible measures into one amount.
+    bool CombineMeasures = false;
 };
 
 extern AppSettings gSettings;

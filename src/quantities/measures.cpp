@@ -1,0 +1,301 @@
+#include "measures.h"
+
+#include <QHash>
+#include <QList>
+#include <QRegularExpression>
+
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+namespace {
+
+enum class Kind { Volume, Mass };
+enum class System { US, Imperial, Metric };
+
+using Wide = __int128;
+
+std::optional<Exact> reduced(Wide num, Wide den)
+{
+    if (den == 0)
+        return std::nullopt;
+    if (den < 0) {
+        num = -num;
+        den = -den;
+    }
+    Wide a = num < 0 ? -num : num;
+    Wide b = den;
+    while (b != 0) {
+        const Wide t = a % b;
+        a = b;
+        b = t;
+    }
+    if (a > 1) {
+        num /= a;
+        den /= a;
+    }
+    constexpr Wide kMost = std::numeric_limits<qint64>::max();
+    if (num > kMost || num < -kMost || den > kMost)
+        return std::nullopt;
+    return Exact {qint64(num), qint64(den)};
+}
+
+std::optional<Exact> times(Exact a, Exact b)
+{
+    return reduced(Wide(a.num) * b.num, Wide(a.den) * b.den);
+}
+
+std::optional<Exact> plus(Exact a, Exact b)
+{
+    return reduced(Wide(a.num) * b.den + Wide(b.num) * a.den, Wide(a.den) * b.den);
+}
+
+double value(Exact e)
+{
+    return double(e.num) / double(e.den);
+}
+
+struct Unit {
+    Kind kind;
+    System system;
+    Exact base; // in ml or g
+    const char *shown;
+};
+
+// The defined ratios: a US teaspoon is 1/768 of the 231 cubic inch gallon, an imperial fluid
+// ounce 1/160 of the 4.54609 l gallon, an ounce 0.45359237 kg / 16.
+constexpr Exact kTsp {3943137275, 800000000}; // 4.92892159375 ml
+constexpr Exact kImperialFlOz {2273045, 80000}; // 28.4130625 ml
+constexpr Exact kOz {226796185, 8000000}; // 28.349523125 g
+
+const QHash<QString, Unit> &units()
+{
+    static const QHash<QString, Unit> table = [] {
+        QHash<QString, Unit> t;
+        const auto add = [&t](std::initializer_list<const char *> names, Unit unit) {
+            for (const char *name : names)
+                t.insert(QLatin1String(name), unit);
+        };
+        const auto us = [](qint64 tsp, const char *shown) {
+            return Unit {Kind::Volume, System::US, Exact {kTsp.num * tsp, kTsp.den}, shown};
+        };
+        add({"tsp", "teaspoon", "ts"}, us(1, "tsp"));
+        add({"tbsp", "tablespoon", "tb", "tbs", "tbl"}, us(3, "Tbsp"));
+        add({"fl oz", "fluid ounce", "fl"}, us(6, "fl oz"));
+        add({"cup", "c"}, us(48, "cup"));
+        add({"pint", "pt"}, us(96, "pint"));
+        add({"quart", "qt"}, us(192, "quart"));
+        add({"gallon", "gal", "ga"}, us(768, "gallon"));
+        const auto imperial = [](qint64 flOz, const char *shown) {
+            return Unit {Kind::Volume, System::Imperial, Exact {kImperialFlOz.num * flOz, kImperialFlOz.den}, shown};
+        };
+        add({"imperial fl oz", "imp fl oz"}, imperial(1, "imp fl oz"));
+        add({"imperial pint", "imp pint"}, imperial(20, "imp pint"));
+        add({"imperial quart", "imp quart"}, imperial(40, "imp quart"));
+        add({"imperial gallon", "imp gallon"}, imperial(160, "imp gallon"));
+        add({"ml", "millilitre", "milliliter"}, {Kind::Volume, System::Metric, {1, 1}, "ml"});
+        add({"cl", "centilitre", "centiliter"}, {Kind::Volume, System::Metric, {10, 1}, "cl"});
+        add({"dl", "decilitre", "deciliter"}, {Kind::Volume, System::Metric, {100, 1}, "dl"});
+        add({"l", "litre", "liter"}, {Kind::Volume, System::Metric, {1000, 1}, "l"});
+        add({"oz", "ounce"}, {Kind::Mass, System::US, kOz, "oz"});
+        add({"lb", "pound", "#"}, {Kind::Mass, System::US, {kOz.num * 16, kOz.den}, "lb"});
+        add({"mg", "milligram"}, {Kind::Mass, System::Metric, {1, 1000}, "mg"});
+        add({"g", "gram", "gr"}, {Kind::Mass, System::Metric, {1, 1}, "g"});
+        add({"kg", "kilogram"}, {Kind::Mass, System::Metric, {1000, 1}, "kg"});
+        return t;
+    }();
+    return table;
+}
+
+// The unit a household's measure names: "Tbsp", "T", "tablespoons", "c.", "cup(s)".
+std::optional<Unit> unitOf(QString measure)
+{
+    measure = measure.trimmed();
+    if (measure == u"T")
+        return units().value(QStringLiteral("tbsp"));
+    if (measure == u"t")
+        return units().value(QStringLiteral("tsp"));
+    measure = measure.toLower().remove(u'.').remove(QStringLiteral("(s)")).simplified();
+    for (const QString &name : {measure, measure.chopped(measure.endsWith(u's') ? 1 : 0),
+                                measure.chopped(measure.endsWith(QLatin1String("es")) ? 2 : 0)}) {
+        if (const auto it = units().constFind(name); it != units().cend())
+            return *it;
+    }
+    return std::nullopt;
+}
+
+// A number as a cook reads it: the whole part and the nearest of the common fractions.
+QString friendly(double x)
+{
+    static const std::pair<double, const char *> kFractions[] = {
+        {0, ""},          {1.0 / 8, "1/8"}, {1.0 / 4, "1/4"}, {1.0 / 3, "1/3"}, {3.0 / 8, "3/8"}, {1.0 / 2, "1/2"},
+        {5.0 / 8, "5/8"}, {2.0 / 3, "2/3"}, {3.0 / 4, "3/4"}, {7.0 / 8, "7/8"}, {1, ""}};
+    qint64 whole = qint64(std::floor(x));
+    const double part = x - double(whole);
+    const auto *best = &kFractions[0];
+    for (const auto &f : kFractions)
+        if (std::abs(part - f.first) < std::abs(part - best->first))
+            best = &f;
+    if (best->first == 1) {
+        ++whole;
+        best = &kFractions[0];
+    }
+    if (whole == 0 && best->first == 0)
+        return QStringLiteral("1/8"); // a little: never "0"
+    const QString fraction = QLatin1String(best->second);
+    if (whole == 0)
+        return fraction;
+    return fraction.isEmpty() ? QString::number(whole) : QString::number(whole) + u' ' + fraction;
+}
+
+QString decimal(double x, const char *small, const char *large)
+{
+    if (x >= 1000)
+        return QString::number(std::round(x / 100) / 10, 'f', 1).remove(QRegularExpression(QStringLiteral("\\.0$"))) +
+               u' ' + QLatin1String(large);
+    if (x < 1)
+        return QString::number(std::round(x * 10) / 10, 'f', 1) + u' ' + QLatin1String(small);
+    return QString::number(qint64(std::round(x))) + u' ' + QLatin1String(small);
+}
+
+// A quantity in ml or g, shown in the system's largest sensible unit.
+ShownAmount shown(Exact base, Kind kind, System system)
+{
+    const double x = value(base);
+    if (system == System::Metric) {
+        const QString text = kind == Kind::Volume ? decimal(x, "ml", "l") : decimal(x, "g", "kg");
+        return {text.section(u' ', 0, 0), text.section(u' ', 1)};
+    }
+    if (kind == Kind::Mass) {
+        const double oz = x / value(kOz);
+        return oz >= 16 ? ShownAmount {friendly(oz / 16), QStringLiteral("lb")}
+                        : ShownAmount {friendly(oz), QStringLiteral("oz")};
+    }
+    const double tsp = x / value(kTsp);
+    if (tsp >= 12)
+        return {friendly(tsp / 48), QStringLiteral("cup")};
+    if (tsp >= 3)
+        return {friendly(tsp / 3), QStringLiteral("Tbsp")};
+    return {friendly(tsp), QStringLiteral("tsp")};
+}
+
+} // namespace
+
+MeasureSystem MeasureSystemFromText(const QString &text)
+{
+    if (text.compare(QLatin1String("US"), Qt::CaseInsensitive) == 0)
+        return MeasureSystem::US;
+    if (text.compare(QLatin1String("Metric"), Qt::CaseInsensitive) == 0)
+        return MeasureSystem::Metric;
+    return MeasureSystem::AsWritten;
+}
+
+QString MeasureSystemText(MeasureSystem system)
+{
+    switch (system) {
+    case MeasureSystem::US:
+        return QStringLiteral("US");
+    case MeasureSystem::Metric:
+        return QStringLiteral("Metric");
+    case MeasureSystem::AsWritten:
+        break;
+    }
+    return {};
+}
+
+std::optional<Exact> ParseExactAmount(const QString &text)
+{
+    static const QRegularExpression mixed(QStringLiteral("^\\s*(?:(\\d{1,9})\\s+)?(\\d{1,9})/(\\d{1,9})\\s*$"));
+    static const QRegularExpression plain(QStringLiteral("^\\s*(\\d{0,9})(?:\\.(\\d{1,6}))?\\s*$"));
+    if (const auto m = mixed.match(text); m.hasMatch()) {
+        const qint64 den = m.captured(3).toLongLong();
+        return reduced(Wide(m.captured(1).toLongLong()) * den + m.captured(2).toLongLong(), den);
+    }
+    if (const auto m = plain.match(text); m.hasMatch() && !(m.captured(1).isEmpty() && m.captured(2).isEmpty())) {
+        qint64 den = 1;
+        for (qsizetype k = 0; k < m.captured(2).size(); ++k)
+            den *= 10;
+        return reduced(Wide(m.captured(1).toLongLong()) * den + m.captured(2).toLongLong(), den);
+    }
+    return std::nullopt;
+}
+
+std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &measure, MeasureSystem system)
+{
+    if (system == MeasureSystem::AsWritten)
+        return std::nullopt;
+    const std::optional<Unit> unit = unitOf(measure);
+    const std::optional<Exact> quantity = ParseExactAmount(amount);
+    if (!unit || !quantity || quantity->num == 0)
+        return std::nullopt;
+    const System target = system == MeasureSystem::US ? System::US : System::Metric;
+    if (unit->system == target)
+        return std::nullopt;
+    const std::optional<Exact> base = times(*quantity, unit->base);
+    if (!base)
+        return std::nullopt;
+    return shown(*base, unit->kind, target);
+}
+
+std::optional<ShownAmount> CombineAmounts(const QList<std::pair<QString, QString>> &amountsAndMeasures)
+{
+    std::optional<Unit> first;
+    Exact sum;
+    for (const auto &[amount, measure] : amountsAndMeasures) {
+        const std::optional<Unit> unit = unitOf(measure);
+        const std::optional<Exact> quantity = ParseExactAmount(amount);
+        if (!unit || !quantity || (first && unit->kind != first->kind))
+            return std::nullopt;
+        if (!first)
+            first = unit;
+        const std::optional<Exact> base = times(*quantity, unit->base);
+        const std::optional<Exact> total = base ? plus(sum, *base) : std::nullopt;
+        if (!total)
+            return std::nullopt;
+        sum = *total;
+    }
+    if (!first)
+        return std::nullopt;
+    return shown(sum, first->kind, first->system == System::Metric ? System::Metric : System::US);
+}
+
+QString AnnotateTemperatures(const QString &text, MeasureSystem system)
+{
+    if (system == MeasureSystem::AsWritten)
+        return text;
+    const bool toF = system == MeasureSystem::US;
+    // "350°F", "350 degrees F", "180 C" (a capital alone, in an oven's range), "gas mark 4".
+    static const QRegularExpression temperature(
+        QStringLiteral("(\\d{2,3})(?:\\s*(?:°|º|degrees?\\s*)([FfCc])\\b|\\s?([FC])\\b)|gas mark (\\d)\\b"),
+        QRegularExpression::CaseInsensitiveOption);
+    static const int kGasC[] = {140, 150, 160, 180, 190, 200, 220, 230, 240};
+    static const int kGasF[] = {275, 300, 325, 350, 375, 400, 425, 450, 475};
+    QString out;
+    qsizetype last = 0;
+    for (auto it = temperature.globalMatch(text); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        QString other;
+        if (!m.captured(4).isEmpty()) {
+            const int mark = m.captured(4).toInt();
+            if (mark >= 1 && mark <= 9)
+                other = toF ? QStringLiteral("%1°F").arg(kGasF[mark - 1]) : QStringLiteral("%1°C").arg(kGasC[mark - 1]);
+        } else {
+            const QString scale = (m.captured(2) + m.captured(3)).toUpper();
+            const int degrees = m.captured(1).toInt();
+            const bool plainCapital = m.captured(2).isEmpty();
+            const bool oven = scale == u"F" ? degrees >= 200 && degrees <= 550 : degrees >= 90 && degrees <= 290;
+            if ((plainCapital && !oven) || (scale == u"F") == toF) {
+                continue;
+            }
+            const double converted = toF ? degrees * 9.0 / 5.0 + 32 : (degrees - 32) * 5.0 / 9.0;
+            other = QStringLiteral("%1°%2").arg(qint64(std::round(converted / 5) * 5)).arg(QChar(toF ? u'F' : u'C'));
+        }
+        if (other.isEmpty())
+            continue;
+        out += QStringView(text).mid(last, m.capturedEnd() - last);
+        out += QStringLiteral(" (") + other + u')';
+        last = m.capturedEnd();
+    }
+    out += QStringView(text).mid(last);
+    return out;
+}
