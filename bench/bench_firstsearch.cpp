@@ -30,17 +30,6 @@ namespace {
 
 constexpr int kRecipes = 30000;
 
-double rssMiB(const char *field)
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith(field))
-            return line.mid(qstrlen(field)).trimmed().split(' ').value(0).toDouble() / 1024;
-    return 0;
-}
-
 // Saves the recipes one by one, as the editor does (one commit for speed: the pages interleave
 // all the same).
 void writeRecipes()
@@ -88,7 +77,7 @@ int runChild(int &argc, char **argv, const QString &kind)
     MirepanApplication app(argc, argv);
     std::unique_ptr<frmMain> main = Startup();
     QCoreApplication::processEvents();
-    const double idle = rssMiB("VmRSS:");
+    const double idle = ProcessMiB("VmRSS:");
     main->cmdSearchRecipe->click();
     QCoreApplication::processEvents();
     frmSearch *search = nullptr;
@@ -123,7 +112,7 @@ int runChild(int &argc, char **argv, const QString &kind)
     for (int i = 0; i < 7; ++i)
         again.append(timed());
     std::printf("first: %.2f\nagain: %.2f\nhits: %d\nidle: %.1f\nafter: %.1f\n", first, Median(again),
-                int(search->lvwRecipes->topLevelItemCount()), idle, rssMiB("VmRSS:"));
+                int(search->lvwRecipes->topLevelItemCount()), idle, ProcessMiB("VmRSS:"));
     std::fflush(stdout);
     search->close();
     main->hide();

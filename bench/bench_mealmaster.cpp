@@ -79,17 +79,6 @@ void generateCollection(const QString &path)
     file.write(out);
 }
 
-double peakRssMiB()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024;
-    return 0;
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -105,7 +94,7 @@ int main(int argc, char *argv[])
         if (run < 2)
             continue;
         PrintFigure("mealmaster.import_30000.ms", Median(imports), "ms", "< 1500 ms");
-        PrintFigure("mealmaster.import_peak_rss.mib", peakRssMiB(), "MiB", "< 120 MiB");
+        PrintFigure("mealmaster.import_peak_rss.mib", ProcessMiB("VmHWM:"), "MiB", "< 120 MiB");
         std::printf("mealmaster.imported: %d recipes\n", imported);
         // The searches of the other benchmarks, on what came in.
         frmSearch search;

@@ -26,17 +26,6 @@
 
 namespace {
 
-double rssMiB()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmRSS:"))
-            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024;
-    return 0;
-}
-
 // In the child: the program started, then each search timed (the median of seven after a first).
 int runChild(int &argc, char **argv)
 {
@@ -44,7 +33,7 @@ int runChild(int &argc, char **argv)
     MirepanApplication app(argc, argv);
     std::unique_ptr<frmMain> main = Startup();
     QCoreApplication::processEvents();
-    std::printf("shown: %lld\nidle: %.1f\n", QDateTime::currentMSecsSinceEpoch(), rssMiB());
+    std::printf("shown: %lld\nidle: %.1f\n", QDateTime::currentMSecsSinceEpoch(), ProcessMiB("VmRSS:"));
     frmSearch search;
     search.show();
     const auto timed = [&](const char *name, auto criteria) {

@@ -169,6 +169,17 @@ QString BenchHome::path(const QString &name) const
     return d->dir.filePath(name);
 }
 
+double ProcessMiB(const char *field)
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray &line : status.readAll().split('\n'))
+        if (line.startsWith(field))
+            return line.mid(qstrlen(field)).trimmed().split(' ').value(0).toDouble() / 1024;
+    return 0;
+}
+
 void PrintFigure(const char *name, double value, const char *unit, const char *goal)
 {
     if (goal)

@@ -27,6 +27,8 @@ private:
 };
 
 // Prints one figure as "name: value unit", with the goal when there is one.
+// A figure of the process's memory from /proc/self/status ("VmRSS:", "VmHWM:"), in MiB.
+double ProcessMiB(const char *field);
 void PrintFigure(const char *name, double value, const char *unit, const char *goal = nullptr);
 // How long the work takes, in milliseconds.
 double TimedMs(const std::function<void()> &work);

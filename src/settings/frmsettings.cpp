@@ -116,23 +116,21 @@ void frmSettings::buildLayout()
     chkCombine->setObjectName(QStringLiteral("chkCombine"));
     {
         auto *layout = new QVBoxLayout(fraPrint);
-        auto *sizeRow = new QHBoxLayout;
-        auto *sizeLabel = new QLabel(QStringLiteral("Base font si&ze of the printed recipes (points):"), fraPrint);
-        sizeLabel->setBuddy(cboFontSize);
-        sizeRow->addWidget(sizeLabel);
-        sizeRow->addWidget(cboFontSize);
-        sizeRow->addStretch();
-        layout->addLayout(sizeRow);
+        // A box with its label before it.
+        const auto labelled = [&](const QString &caption, QComboBox *box) {
+            auto *row = new QHBoxLayout;
+            auto *label = new QLabel(caption, fraPrint);
+            label->setBuddy(box);
+            row->addWidget(label);
+            row->addWidget(box);
+            row->addStretch();
+            layout->addLayout(row);
+        };
+        labelled(QStringLiteral("Base font si&ze of the printed recipes (points):"), cboFontSize);
         layout->addWidget(chkNewPage);
         layout->addWidget(chkSpaceBetween);
         layout->addWidget(chkPageNumbers);
-        auto *measuresRow = new QHBoxLayout;
-        auto *measuresLabel = new QLabel(QStringLiteral("Show a&mounts and temperatures of recipes:"), fraPrint);
-        measuresLabel->setBuddy(cboMeasures);
-        measuresRow->addWidget(measuresLabel);
-        measuresRow->addWidget(cboMeasures);
-        measuresRow->addStretch();
-        layout->addLayout(measuresRow);
+        labelled(QStringLiteral("Show a&mounts and temperatures of recipes:"), cboMeasures);
         layout->addWidget(chkCombine);
         layout->addStretch();
     }
