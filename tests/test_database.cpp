@@ -26,23 +26,22 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("sql");
         QTest::addColumn<QString>("prepared");
-        QTest::newRow("apostrophe in a title")
-            << "INSERT INTO RECIPE VALUES (1, '4', 'F', 'Pies', 'Mom's pie', '00:00', '00:00', '', '')"
-            << "INSERT INTO RECIPE VALUES (1, '4', 'F', 'Pies', 'Mom''s pie', '00:00', '00:00', '', '')";
-        QTest::newRow("value ending in an apostrophe") << "INSERT INTO DIRECTIONS VALUES (1, 1, 'the cooks'')"
-                                                       << "INSERT INTO DIRECTIONS VALUES (1, 1, 'the cooks''')";
-        QTest::newRow("separator inside a value is taken as a delimiter") << "INSERT INTO X VALUES (1, 'it', s')"
-                                                                          << "INSERT INTO X VALUES (1, 'it', s')";
-        QTest::newRow("cabinet") << "INSERT INTO CABINET VALUES ('baker's yeast', 'F', 0)"
-                                 << "INSERT INTO CABINET VALUES ('baker''s yeast', 'F', 0)";
-        QTest::newRow("two in a value") << "INSERT INTO X VALUES (1, 'it's Jo's')"
-                                        << "INSERT INTO X VALUES (1, 'it''s Jo''s')";
-        QTest::newRow("trimmed") << "   INSERT INTO X VALUES (1, 'a')   "
-                                 << "INSERT INTO X VALUES (1, 'a')";
-        QTest::newRow("case matters") << "insert into X VALUES (1, 'Mom's')"
-                                      << "insert into X VALUES (1, 'Mom's')";
-        QTest::newRow("update untouched") << "UPDATE RECIPE SET rating = 'Mom's'"
-                                          << "UPDATE RECIPE SET rating = 'Mom's'";
+        const auto row = [](const char *name, const char *sql, const char *prepared) {
+            QTest::newRow(name) << QString::fromUtf8(sql) << QString::fromUtf8(prepared);
+        };
+        row("apostrophe in a title",
+            "INSERT INTO RECIPE VALUES (1, '4', 'F', 'Pies', 'Mom's pie', '00:00', '00:00', '', '')",
+            "INSERT INTO RECIPE VALUES (1, '4', 'F', 'Pies', 'Mom''s pie', '00:00', '00:00', '', '')");
+        row("value ending in an apostrophe", "INSERT INTO DIRECTIONS VALUES (1, 1, 'the cooks'')",
+            "INSERT INTO DIRECTIONS VALUES (1, 1, 'the cooks''')");
+        row("separator inside a value is taken as a delimiter", "INSERT INTO X VALUES (1, 'it', s')",
+            "INSERT INTO X VALUES (1, 'it', s')");
+        row("cabinet", "INSERT INTO CABINET VALUES ('baker's yeast', 'F', 0)",
+            "INSERT INTO CABINET VALUES ('baker''s yeast', 'F', 0)");
+        row("two in a value", "INSERT INTO X VALUES (1, 'it's Jo's')", "INSERT INTO X VALUES (1, 'it''s Jo''s')");
+        row("trimmed", "   INSERT INTO X VALUES (1, 'a')   ", "INSERT INTO X VALUES (1, 'a')");
+        row("case matters", "insert into X VALUES (1, 'Mom's')", "insert into X VALUES (1, 'Mom's')");
+        row("update untouched", "UPDATE RECIPE SET rating = 'Mom's'", "UPDATE RECIPE SET rating = 'Mom's'");
     }
     void prepareSql()
     {
@@ -58,51 +57,48 @@ private Q_SLOTS:
         QTest::addColumn<bool>("server");
         QTest::addColumn<QString>("sql");
         QTest::addColumn<QString>("engine");
-        const auto both = [](const char *name, const char *sql, const char *engine) {
-            QTest::newRow(name) << false << sql << engine;
-            QTest::newRow((QByteArray(name) + " (server)").constData()) << true << sql << engine;
+        const auto row = [](const char *name, bool server, const char *sql, const char *engine) {
+            QTest::newRow(name) << server << QString::fromUtf8(sql) << QString::fromUtf8(engine);
+        };
+        const auto both = [&](const char *name, const char *sql, const char *engine) {
+            row(name, false, sql, engine);
+            row((QByteArray(name) + " (server)").constData(), true, sql, engine);
         };
         both("delete", "DELETE * FROM RECIPE WHERE ID = 3", "DELETE FROM RECIPE WHERE ID = 3");
-        QTest::newRow("join") << false << "SELECT item FROM CABINET WHERE ('%' & item & '%' LIKE '%a&b%')"
-                              << "SELECT item FROM CABINET WHERE ('%' || item || '%' LIKE '%a&b%')";
-        QTest::newRow("join (server)")
-            << true << "SELECT item FROM CABINET WHERE ('%' & item & '%' LIKE '%a&b%')"
-            << "SELECT item FROM CABINET WHERE ('%' || item || '%' ILIKE '%a&b%') ORDER BY item, type";
+        row("join", false, "SELECT item FROM CABINET WHERE ('%' & item & '%' LIKE '%a&b%')",
+            "SELECT item FROM CABINET WHERE ('%' || item || '%' LIKE '%a&b%')");
+        row("join (server)", true, "SELECT item FROM CABINET WHERE ('%' & item & '%' LIKE '%a&b%')",
+            "SELECT item FROM CABINET WHERE ('%' || item || '%' ILIKE '%a&b%') ORDER BY item, type");
         both("ucase", "UPDATE RECIPE SET title = UCASE(title) WHERE notes = 'UCASE(x) DELETE * FROM y'",
              "UPDATE RECIPE SET title = UPPER(title) WHERE notes = 'UCASE(x) DELETE * FROM y'");
         both("doubled apostrophe", "SELECT 'it''s & more' & x", "SELECT 'it''s & more' || x");
         // LIKE ignores case on both engines: no need to fold each row first.
-        QTest::newRow("like") << false << "SELECT 1 WHERE UCASE(A.title) LIKE '%X%'"
-                              << "SELECT 1 WHERE A.title LIKE '%X%'";
-        QTest::newRow("like (server)") << true << "SELECT 1 WHERE UCASE(A.title) LIKE '%X%' OR rating like 'x'"
-                                       << "SELECT 1 WHERE A.title::text ILIKE '%X%' OR rating ILIKE 'x'";
+        row("like", false, "SELECT 1 WHERE UCASE(A.title) LIKE '%X%'", "SELECT 1 WHERE A.title LIKE '%X%'");
+        row("like (server)", true, "SELECT 1 WHERE UCASE(A.title) LIKE '%X%' OR rating like 'x'",
+            "SELECT 1 WHERE A.title::text ILIKE '%X%' OR rating ILIKE 'x'");
         // A server keeps flags apart from numbers; the file engine takes them as they are.
-        QTest::newRow("flags") << false << "UPDATE CABINET SET available = True WHERE item = 'x = TRUE'"
-                               << "UPDATE CABINET SET available = True WHERE item = 'x = TRUE'";
-        QTest::newRow("flags (server)") << true << "UPDATE CABINET SET available = True WHERE item = 'x = TRUE'"
-                                        << "UPDATE CABINET SET available = 1 WHERE item = 'x = TRUE'";
-        QTest::newRow("compared flags (server)")
-            << true << "SELECT * FROM CABINET C WHERE C.available=FALSE AND available <> true AND TRUEST = 1"
-            << "SELECT * FROM CABINET C WHERE C.available=0 AND available <> 1 AND TRUEST = 1 ORDER BY item, type";
+        row("flags", false, "UPDATE CABINET SET available = True WHERE item = 'x = TRUE'",
+            "UPDATE CABINET SET available = True WHERE item = 'x = TRUE'");
+        row("flags (server)", true, "UPDATE CABINET SET available = True WHERE item = 'x = TRUE'",
+            "UPDATE CABINET SET available = 1 WHERE item = 'x = TRUE'");
+        row("compared flags (server)", true,
+            "SELECT * FROM CABINET C WHERE C.available=FALSE AND available <> true AND TRUEST = 1",
+            "SELECT * FROM CABINET C WHERE C.available=0 AND available <> 1 AND TRUEST = 1 ORDER BY item, type");
         // A server is asked for the order the file database gives by itself.
-        QTest::newRow("lines in order (server)")
-            << true << "SELECT * FROM INGREDIENTS WHERE recipe_id = 7;"
-            << "SELECT * FROM INGREDIENTS WHERE recipe_id = 7 ORDER BY recipe_id, ingred_id";
-        QTest::newRow("distinct in order (server)")
-            << true << "SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID"
-            << "SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID ORDER BY 1, 2";
-        QTest::newRow("cabinet by name (server)")
-            << true << "SELECT * FROM CABINET C WHERE item = 'x ORDER BY y'"
-            << "SELECT * FROM CABINET C WHERE item = 'x ORDER BY y' ORDER BY item, type";
-        QTest::newRow("order given (server)")
-            << true << "SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE ORDER BY A.title"
-            << "SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE ORDER BY A.title";
-        QTest::newRow("count (server)") << true << "SELECT count(*) FROM RECIPE"
-                                        << "SELECT count(*) FROM RECIPE";
-        QTest::newRow("join (server)") << true << "SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item"
-                                       << "SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item";
-        QTest::newRow("condition (server)") << true << "SELECT DISTINCT id FROM RECIPE A WHERE TRUE AND x = 1"
-                                            << "SELECT DISTINCT id FROM RECIPE A WHERE TRUE AND x = 1 ORDER BY 1";
+        row("lines in order (server)", true, "SELECT * FROM INGREDIENTS WHERE recipe_id = 7;",
+            "SELECT * FROM INGREDIENTS WHERE recipe_id = 7 ORDER BY recipe_id, ingred_id");
+        row("distinct in order (server)", true,
+            "SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID",
+            "SELECT DISTINCT cabinet, type FROM INGREDIENTS A, RECIPE B where A.recipe_id = B.ID ORDER BY 1, 2");
+        row("cabinet by name (server)", true, "SELECT * FROM CABINET C WHERE item = 'x ORDER BY y'",
+            "SELECT * FROM CABINET C WHERE item = 'x ORDER BY y' ORDER BY item, type");
+        row("order given (server)", true, "SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE ORDER BY A.title",
+            "SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE ORDER BY A.title");
+        row("count (server)", true, "SELECT count(*) FROM RECIPE", "SELECT count(*) FROM RECIPE");
+        row("join (server)", true, "SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item",
+            "SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item");
+        row("condition (server)", true, "SELECT DISTINCT id FROM RECIPE A WHERE TRUE AND x = 1",
+            "SELECT DISTINCT id FROM RECIPE A WHERE TRUE AND x = 1 ORDER BY 1");
     }
 
     void dialectOutsideLiteralsOnly()
