@@ -186,6 +186,22 @@ private Q_SLOTS:
         QCOMPARE(view.topLevelItem(0)->child(0)->text(0), QStringLiteral("Week 2"));
     }
 
+    // The chooser keeps to the type the planner was opened with, whatever the main window shows.
+    void theChooserKeepsThePlannersType()
+    {
+        storeRecipe(QStringLiteral("Soup"), {"1|cup|onion"});
+        frmMenu &menu = openMenu(); // opened on Food
+        gRecipeType = QStringLiteral("Drink");
+        QString chosenOn;
+        m_boxes->onModal([&chosenOn](QDialog *dialog) {
+            chosenOn = gRecipeType;
+            static_cast<frmSearch *>(dialog)->cmdClose_Click();
+        });
+        menu.cmdAddRecipes_Click();
+        QCOMPARE(chosenOn, QStringLiteral("Food"));
+        QCOMPARE(gRecipeType, QStringLiteral("Drink"));
+    }
+
     void planAWeekSaveAndLoadItBack()
     {
         const qint32 soup = storeRecipe(QStringLiteral("Soup"), {"1|cup|onion"});

@@ -23,6 +23,7 @@
 #include <QLocale>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -174,6 +175,7 @@ void frmMenu::Form_Load()
 {
     if (!m_life.load())
         return;
+    m_recipeType = gRecipeType; // the chooser keeps to it, whatever the main window switches to
     if (ReportNotConnected())
         return;
     loadStoredMenu();
@@ -300,7 +302,12 @@ void frmMenu::cmdAddRecipes_Click()
         node = m_tree.find(kRootKey);
     if (!node)
         return;
-    const QStringList chosen = ChooseRecipes();
+    QStringList chosen;
+    {
+        const auto restore =
+            qScopeGuard([mainType = std::exchange(gRecipeType, m_recipeType)] { gRecipeType = mainType; });
+        chosen = ChooseRecipes();
+    }
     if (chosen.isEmpty())
         return;
     const QString key = MenuTree::keyOf(node);

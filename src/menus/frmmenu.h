@@ -67,6 +67,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    QString m_recipeType = QStringLiteral("Food"); // the type the planner was opened with
     void buildLayout();
     QTreeWidgetItem *selected() const;
     // The node the lists start from: the selected one, else the root.
