@@ -220,6 +220,9 @@ QString narrowByIngredientIndex(const QString &sql)
 
 bool SearchesIngredientText(const QString &sql)
 {
+    // Only a query searches; the statements that store lines are the most, and go by at once.
+    if (!sql.startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive))
+        return false;
     return sql.contains(QLatin1String(".ingredient) LIKE '%"), Qt::CaseInsensitive) ||
            sql.contains(QLatin1String(".ingredient LIKE '%"), Qt::CaseInsensitive);
 }
