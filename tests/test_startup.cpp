@@ -195,7 +195,8 @@ private Q_SLOTS:
         QVERIFY(m_shell->started.isEmpty());
         QCOMPARE(m_boxes->boxes.size(), 1);
         const QString prompt = m_boxes->prompts().first();
-        QVERIFY2(prompt.startsWith(QStringLiteral("The recipe database recipes on 127.0.0.1 cannot be used: ")),
+        QVERIFY2(prompt.startsWith(QStringLiteral("The recipe database recipes on 127.0.0.1 cannot be used: nothing "
+                                                  "answers on 127.0.0.1 at port 1; the server may not be running.")),
                  qPrintable(prompt));
         QVERIFY2(prompt.endsWith(
                      QStringLiteral("Check that the server is running and can be reached from this computer, then "
@@ -232,6 +233,13 @@ private Q_SLOTS:
         QVERIFY2(clock.elapsed() < 15000, qPrintable(QString::number(clock.elapsed())));
         QCOMPARE(failure.kind, OpenFailure::Unusable);
         QVERIFY(failure.onServer);
+        QCOMPARE(failure.reason, QStringLiteral("the server 127.0.0.1 did not answer within 2 seconds"));
+        // A server that answers, asked for a database it does not have.
+        if (TestServerDir().isEmpty())
+            return;
+        RegisterDataSource(TestServerSource(QStringLiteral("no_such_collection")));
+        QVERIFY(!OpenDatabase(&failure));
+        QCOMPARE(failure.reason, QStringLiteral("the server 127.0.0.1 has no database named no_such_collection"));
     }
 
     // The set-up utility's way onto a server: the tables made in an empty database, a

@@ -69,6 +69,33 @@ QString describe(const DataSource &source)
     return QStringLiteral("%1 on %2").arg(source.database, source.serverName());
 }
 
+// Why a server refused the connection, in the household's words where the cause is a common
+// one; the server's own words otherwise.
+QString refusal(const DataSource &source, const QString &said)
+{
+    if (!source.onServer())
+        return said;
+    const auto saying = [&said](const char *words) { return said.contains(QLatin1String(words), Qt::CaseInsensitive); };
+    if (saying("password authentication failed") || saying("no password supplied"))
+        return QStringLiteral("the server did not accept the user name and password (see the line for this server in "
+                              "~/.pgpass, or the Password of the data source)");
+    if (saying("database \"") && saying("does not exist"))
+        return QStringLiteral("the server %1 has no database named %2").arg(source.serverName(), source.database);
+    if (saying("role \"") && saying("does not exist"))
+        return QStringLiteral("the server %1 has no user named %2").arg(source.serverName(), source.user);
+    if (saying("connection refused"))
+        return QStringLiteral("nothing answers on %1 at port %2; the server may not be running")
+            .arg(source.serverName())
+            .arg(source.port >= 0 ? source.port : 5432);
+    if (saying("timeout expired"))
+        return QStringLiteral("the server %1 did not answer within %2 seconds")
+            .arg(source.serverName())
+            .arg(source.connectTimeout);
+    if (saying("could not translate host name"))
+        return QStringLiteral("this computer does not know the name %1").arg(source.serverName());
+    return said;
+}
+
 bool failOpen(OpenFailure *failure, OpenFailure::Kind kind, const QString &file, const QString &reason = {},
               bool server = false)
 {
@@ -109,8 +136,8 @@ bool OpenDatabase(OpenFailure *failure)
         QSqlDatabase::contains(kDataSourceName) ? gConn() : QSqlDatabase::addDatabase(source.driver, kDataSourceName);
     ConfigureConnection(db, source);
     if (!db.open())
-        return failOpen(failure, OpenFailure::Unusable, describe(source), db.lastError().text().trimmed(),
-                        source.onServer());
+        return failOpen(failure, OpenFailure::Unusable, describe(source),
+                        refusal(source, db.lastError().text().trimmed()), source.onServer());
     if (const QString problem = RecipeDatabaseProblem(db); !problem.isEmpty()) {
         db.close();
         return failOpen(failure, OpenFailure::Unusable, describe(source), problem, source.onServer());
