@@ -85,6 +85,9 @@ private Q_SLOTS:
             ReportSettings s;
             s.measures = system;
             ComposeRecipe(p, r, s);
+            frmPreview shown(p); // for a look by eye: the recipe in each system
+            shown.show();
+            SaveScreenshot(&shown, QStringLiteral("frmPreview-") + MeasureSystemText(system));
             QCOMPARE(texts(p).at(7), QString::fromUtf8(flour));
             QVERIFY(texts(p).contains(QStringLiteral("  6 Apples")));
             QVERIFY2(p.plainText().contains(QString::fromUtf8(bake)), qPrintable(p.plainText()));
