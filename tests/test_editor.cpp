@@ -3,15 +3,19 @@
 #include "core/platform/appstate.h"
 #include "core/db/database.h"
 #include "recipes/cabinetsuggestion.h"
+#include "recipes/cookingtimes.h"
 #include "recipes/frmadd2.h"
+#include "recipes/frmcook.h"
 #include "recipes/reciperepository.h"
 #include "support/testsupport.h"
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTabBar>
+#include <QListWidget>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -500,6 +504,64 @@ private Q_SLOTS:
         QVERIFY(!e.RecipeChange);
         e.show();
         QCOMPARE(gSubWindows, qint16(1)); // loaded once
+    }
+
+    void cookingTimesAreFound()
+    {
+        const auto times = [](const char *direction) {
+            QStringList found;
+            for (const CookingTime &t : FindCookingTimes(QString::fromUtf8(direction)))
+                found << t.written + u'=' + QString::number(t.seconds);
+            return found;
+        };
+        QCOMPARE(times("Bake 25 minutes, then rest 5 min."), (QStringList {"25 minutes=1500", "5 min=300"}));
+        QCOMPARE(times("Simmer for 1 1/2 hours."), QStringList {"1 1/2 hours=5400"});
+        QCOMPARE(times("Roast 10-15 min or 1.5 hrs, turn after 30 seconds"),
+                 (QStringList {"10-15 min=600", "1.5 hrs=5400", "30 seconds=30"}));
+        QCOMPARE(times("Use 2 minced onions and 350°F."), QStringList());
+    }
+
+    // Cooking mode: the keyboard moves through the steps, the step reached is kept for the
+    // session, times become timers that ring until acknowledged.
+    void cookingModeAtTheStove()
+    {
+        StoreTestRecipe(TestRecipe(QStringLiteral("Stew"), {"2|cup|Beans|beans", "---|---|Salt|salt"},
+                                   {"Soak overnight.", "Simmer 1 1/2 hours, stirring every 10 minutes.", "Serve."}),
+                        1);
+        auto *cook = new frmCook(LoadRecipe(1), 1);
+        cook->show();
+        QCOMPARE(cook->lstIngredients->count(), 2);
+        QCOMPARE(cook->lstIngredients->item(0)->text(), QStringLiteral("2 cup Beans"));
+        QTest::keyClick(cook, Qt::Key_Space);
+        QCOMPARE(cook->lblStep->text(), QStringLiteral("Step 2 of 3"));
+        const QList<QPushButton *> timers = cook->findChildren<QPushButton *>();
+        QCOMPARE(timers.size(), 2);
+        QTest::keyClick(cook, Qt::Key_End);
+        QTest::keyClick(cook, Qt::Key_Right); // the last step stays
+        QCOMPARE(cook->step(), 2);
+        QTest::keyClick(cook, Qt::Key_Left);
+        QTest::mouseClick(cook->findChildren<QPushButton *>().last(), Qt::LeftButton); // 10 minutes
+        QTest::keyClick(cook, Qt::Key_Home); // timers are seen from any step
+        QCOMPARE(cook->lstTimers->item(0)->text(), QStringLiteral("Step 2, 10 minutes: 10:00"));
+        cook->tick(600);
+        QVERIFY(cook->ringing());
+        QVERIFY(cook->lstTimers->item(0)->text().endsWith(QStringLiteral("done! (Enter or click to stop)")));
+        cook->tick(5); // it goes on ringing
+        QVERIFY(cook->ringing());
+        QTest::keyClick(cook, Qt::Key_Return);
+        QVERIFY(!cook->ringing());
+        QCOMPARE(cook->lstTimers->count(), 0);
+        const int size = cook->fontSize();
+        QTest::keyClick(cook, Qt::Key_Plus, Qt::ControlModifier);
+        QCOMPARE(cook->fontSize(), size + 4);
+        QTest::keyClick(cook, Qt::Key_D, Qt::ControlModifier);
+        QVERIFY(!cook->dark());
+        SaveScreenshot(cook, QStringLiteral("frmCook"));
+        QTest::keyClick(cook, Qt::Key_Right);
+        QTest::keyClick(cook, Qt::Key_Escape); // leaves; the step reached is kept
+        auto *again = new frmCook(LoadRecipe(1), 1);
+        QCOMPARE(again->step(), 1);
+        again->close();
     }
 
     void screenshotsOfBothArrangements()

@@ -1,5 +1,7 @@
 #include "frmsearch.h"
 
+#include "recipes/frmcook.h"
+
 #include "searchquery.h"
 
 #include "cabinet/modcabinet.h"
@@ -72,6 +74,7 @@ frmSearch::frmSearch(QWidget *parent) : QDialog(parent)
     connect(cmdEdit, &QPushButton::clicked, this, &frmSearch::cmdEdit_Click);
     connect(cmdView, &QPushButton::clicked, this, &frmSearch::cmdView_Click);
     connect(cmdDelete, &QPushButton::clicked, this, &frmSearch::cmdDelete_Click);
+    connect(cmdCook, &QPushButton::clicked, this, &frmSearch::cmdCook_Click);
     connect(cmdClose, &QPushButton::clicked, this, &frmSearch::cmdClose_Click);
     connect(mnuClose, &QAction::triggered, this, &QWidget::close);
     connect(mnuSettings, &QAction::triggered, this, [] { Guarded([] { ShowSettings(); }); });
@@ -123,8 +126,9 @@ void frmSearch::buildLayout()
     cmdEdit = Named(new QPushButton(QStringLiteral("&Edit/Copy"), this), "cmdEdit");
     cmdView = Named(new QPushButton(QStringLiteral("&View/Print"), this), "cmdView");
     cmdDelete = Named(new QPushButton(QStringLiteral("&Delete"), this), "cmdDelete");
+    cmdCook = Named(new QPushButton(QStringLiteral("Cooking &Mode"), this), "cmdCook");
     cmdClose = Named(new QPushButton(kCloseCaption, this), "cmdClose");
-    for (QPushButton *button : {cmdClear, cmdEdit, cmdView, cmdDelete, cmdClose})
+    for (QPushButton *button : {cmdClear, cmdEdit, cmdView, cmdDelete, cmdCook, cmdClose})
         button->setAutoDefault(false);
 
     auto *menuBar = new QMenuBar(this);
@@ -168,6 +172,7 @@ void frmSearch::buildLayout()
     actions->addWidget(cmdEdit);
     actions->addWidget(cmdView);
     actions->addWidget(cmdDelete);
+    actions->addWidget(cmdCook);
     actions->addStretch();
     actions->addWidget(cmdClose);
     auto *right = new QVBoxLayout;
@@ -413,6 +418,16 @@ void frmSearch::cmdView_Click()
     Guarded([&] { PrintRecipes(ids); });
 }
 
+void frmSearch::cmdCook_Click()
+{
+    const QList<QTreeWidgetItem *> selected = selectedInListOrder();
+    if (selected.isEmpty()) {
+        MsgBox(QStringLiteral("You must select a recipe to cook!"), Msg::Ok, QStringLiteral("Error"));
+        return;
+    }
+    Guarded([&] { ShowCookingMode(selected.first()->text(0).toInt()); });
+}
+
 void frmSearch::cmdDelete_Click()
 {
     const QList<QTreeWidgetItem *> selected = selectedInListOrder();
@@ -449,6 +464,7 @@ void frmSearch::SetSelectionMode()
     cmdEdit->hide();
     cmdView->hide();
     cmdDelete->hide();
+    cmdCook->hide();
 }
 
 void frmSearch::cmdClose_Click()

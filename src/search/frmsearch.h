@@ -38,6 +38,7 @@ public:
     QPushButton *cmdEdit;
     QPushButton *cmdView;
     QPushButton *cmdDelete;
+    QPushButton *cmdCook; // the first selected recipe in cooking mode
     QPushButton *cmdClose;
     QAction *mnuClose;
     QAction *mnuSettings;
@@ -62,6 +63,7 @@ public Q_SLOTS:
     void cmdEdit_Click();
     void cmdView_Click();
     void cmdDelete_Click();
+    void cmdCook_Click();
     void cmdClose_Click();
     void lvwRecipes_ColumnClick();
     void lvwRecipes_DblClick();
