@@ -181,7 +181,8 @@ bool SearchIndexesAreKept()
 
 SearchIndexesBulk::SearchIndexesBulk()
 {
-    if (!onFile() || !isKept())
+    // Only inside the import's batch: set aside, the upkeep is back by its end in any case.
+    if (!BatchIsOpen() || !onFile() || !isKept())
         return;
     m_from = NextId(QStringLiteral("RECIPE"));
     if (ExecuteSQL(QStringLiteral("INSERT INTO CABINET_AVAILABILITY_PAUSE VALUES (%1)").arg(m_from)).failed() ||

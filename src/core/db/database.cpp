@@ -318,6 +318,11 @@ Recordset ExecuteSQL(const QString &sql)
     return ExecuteSQL(copy);
 }
 
+bool BatchIsOpen()
+{
+    return g_batchDepth > 0 && !g_trouble.failed;
+}
+
 qint32 NextId(const QString &table)
 {
     const Recordset rs = ExecuteSQL(QStringLiteral("SELECT MAX(id) FROM ") + table);

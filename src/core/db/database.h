@@ -61,6 +61,9 @@ qint32 NextId(const QString &table);
 //
 // The file database is claimed for writing at the start; while another program holds it, the
 // batch waits a bounded time (the progress window tells why) before it gives up.
+// Whether a batch has begun and not ended: statements run now are kept or dropped with it.
+bool BatchIsOpen();
+
 class StatementBatch
 {
 public:
