@@ -26,9 +26,9 @@ bool SearchIndexesAreKept();
 // server always counts it).
 std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType);
 
-// While it lives, inside the batch of an import (outside one it does nothing), the recipes stored from the next free
-// identifier on are counted once, at finish(), instead of line by line: an import stores
-// hundreds of thousands of lines.
+// While it lives, inside the batch of an import (outside one it does nothing), the recipes
+// stored from the next free identifier on are counted and indexed once, at finish(), instead of
+// line by line: an import stores hundreds of thousands of lines.
 class SearchIndexesBulk
 {
 public:
