@@ -5,6 +5,7 @@
 #include "core/db/database.h"
 #include "menus/frmmenu.h"
 #include "menus/shoppinglist.h"
+#include "recipes/frmcook.h"
 #include "recipes/reciperepository.h"
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"
@@ -200,6 +201,18 @@ private Q_SLOTS:
         menu.cmdAddRecipes_Click();
         QCOMPARE(chosenOn, QStringLiteral("Food"));
         QCOMPARE(gRecipeType, QStringLiteral("Drink"));
+        // Cooking mode opens on the selected recipe, and asks for one elsewhere.
+        menu.cmdCook_Click();
+        QCOMPARE(m_boxes->prompts(), QStringList {QStringLiteral("You must select a recipe to cook!")});
+        m_menu->tree().add(kRootKey, QStringLiteral("Root, ID: 1"), QStringLiteral("Soup"));
+        select(QStringLiteral("Root, ID: 1"));
+        menu.cmdCook_Click();
+        frmCook *cook = nullptr;
+        for (QWidget *w : QApplication::topLevelWidgets())
+            cook = cook ? cook : qobject_cast<frmCook *>(w);
+        QVERIFY(cook);
+        QCOMPARE(cook->windowTitle(), QStringLiteral("Cooking: Soup"));
+        cook->close();
     }
 
     void planAWeekSaveAndLoadItBack()

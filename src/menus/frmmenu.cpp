@@ -1,5 +1,7 @@
 #include "frmmenu.h"
 
+#include "recipes/frmcook.h"
+
 #include "shoppinglist.h"
 
 #include "core/ui/voicewindows.h"
@@ -66,6 +68,7 @@ frmMenu::frmMenu(QWidget *parent) : QWidget(parent, Qt::Window), m_tree(nullptr)
     wire(cmdDelete, std::mem_fn(&frmMenu::cmdDelete_Click));
     wire(cmdMoveUp, [](frmMenu *w) { w->cmdMove_Click(-1); });
     wire(cmdMoveDown, [](frmMenu *w) { w->cmdMove_Click(1); });
+    wire(cmdCook, std::mem_fn(&frmMenu::cmdCook_Click));
     wire(cmdPrintAll, std::mem_fn(&frmMenu::cmdPrintAll_Click));
     wire(cmdSave, std::mem_fn(&frmMenu::cmdSave_Click));
     wire(cmdClose, std::mem_fn(&frmMenu::cmdClose_Click));
@@ -104,6 +107,7 @@ void frmMenu::buildLayout()
     cmdDelete = button("cmdDelete", QStringLiteral("&Delete Entry"));
     cmdMoveUp = button("cmdMoveUp", QStringLiteral("Move U&p"));
     cmdMoveDown = button("cmdMoveDown", QStringLiteral("Move Do&wn"));
+    cmdCook = button("cmdCook", QStringLiteral("Coo&king Mode"));
     const std::array<QString, 4> expand {QStringLiteral("S&how Group Nodes"), QStringLiteral("E&xpand Group Nodes"),
                                          QStringLiteral("C&ollapse All Nodes"), QStringLiteral("Expand A&ll Nodes")};
     for (int i = 0; i < 4; ++i) {
@@ -151,6 +155,7 @@ void frmMenu::buildLayout()
     lists->addWidget(cmdShop[0]);
     lists->addWidget(cmdShop[1]);
     lists->addWidget(cmdPrintAll);
+    lists->addWidget(cmdCook);
     side->addLayout(lists);
     auto *closing = new QHBoxLayout;
     closing->addStretch();
@@ -341,6 +346,19 @@ void frmMenu::cmdMove_Click(int direction)
         return;
     tvMenu->setCurrentItem(node);
     m_changed = true;
+}
+
+void frmMenu::cmdCook_Click()
+{
+    const QTreeWidgetItem *node = selected();
+    const QString key = node ? MenuTree::keyOf(node) : QString();
+    // The node's own recipe: a sub recipe's key ends with its identifier.
+    const qsizetype at = key.lastIndexOf(QLatin1String("ID: "));
+    if (at < 0) {
+        MsgBox(QStringLiteral("You must select a recipe to cook!"), Msg::Ok, QStringLiteral("Error"));
+        return;
+    }
+    ShowCookingMode(qint32(Val(key.mid(at + 4))));
 }
 
 void frmMenu::cmdDelete_Click()

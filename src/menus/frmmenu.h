@@ -35,6 +35,7 @@ public:
     QPushButton *cmdDelete;
     QPushButton *cmdMoveUp;
     QPushButton *cmdMoveDown;
+    QPushButton *cmdCook; // the selected recipe in cooking mode
     std::array<QPushButton *, 4> cmdExpand;
     std::array<QPushButton *, 2> cmdShop;
     QPushButton *cmdPrintAll;
@@ -55,6 +56,7 @@ public Q_SLOTS:
     void cmdDelete_Click();
     // Moves the selected node one place up (-1) or down (+1) among its siblings.
     void cmdMove_Click(int direction);
+    void cmdCook_Click();
     void cmdExpand_Click(int index);
     void cmdShop_Click(int index);
     void cmdPrintAll_Click();
