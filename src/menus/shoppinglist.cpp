@@ -66,8 +66,7 @@ QString combinedAmountsOf(const QList<NeededRow> &rows, qsizetype from, qsizetyp
     QList<std::pair<QString, QString>> convertible;
     QList<NeededRow> others;
     for (qsizetype i = from; i < to; ++i) {
-        if (ConvertAmount(rows[i].amount, rows[i].measure, MeasureSystem::US) ||
-            ConvertAmount(rows[i].amount, rows[i].measure, MeasureSystem::Metric))
+        if (IsUnitAmount(rows[i].amount, rows[i].measure))
             convertible.append({rows[i].amount, rows[i].measure});
         else
             others.append(rows[i]);

@@ -237,6 +237,11 @@ std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &m
     return shown(*base, unit->kind, target);
 }
 
+bool IsUnitAmount(const QString &amount, const QString &measure)
+{
+    return unitOf(measure) && ParseExactAmount(amount);
+}
+
 std::optional<ShownAmount> CombineAmounts(const QList<std::pair<QString, QString>> &amountsAndMeasures)
 {
     std::optional<Unit> first;

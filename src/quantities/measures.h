@@ -39,6 +39,9 @@ struct ShownAmount {
 // the system AsWritten or the one the measure belongs to already.
 std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &measure, MeasureSystem system);
 
+// Whether the amount is a number and the measure a known unit: what converts and combines.
+bool IsUnitAmount(const QString &amount, const QString &measure);
+
 // Amounts of compatible measures summed into one, in the largest sensible unit of the first
 // one's system ("1 1/2 tsp" + "1 Tbsp" is "2 1/2 Tbsp"); nothing when a measure is not a known
 // unit of the same kind (volume or mass) or an amount no number.

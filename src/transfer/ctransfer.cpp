@@ -57,6 +57,15 @@ qint64 lastSection(const IniFile &file)
 
 // The number of recipes the progress counts: Max when it is a usable count, else the
 // numbered sections there are (a file cut short has lost its [ID] section at the end).
+// The numbered sections the file holds, from 1 to the first missing one.
+int sectionsPresent(const IniFile &file)
+{
+    int count = 0;
+    while (file.hasSection(QString::number(count + 1)))
+        ++count;
+    return count;
+}
+
 int recipesToImport(const IniFile &file)
 {
     try {
@@ -64,10 +73,7 @@ int recipesToImport(const IniFile &file)
         if (max >= 0)
             return max;
     } catch (const PlatformError &) { }
-    int count = 0;
-    while (file.hasSection(QString::number(count + 1)))
-        ++count;
-    return count;
+    return sectionsPresent(file);
 }
 
 // Texts the file's lines cannot carry as they stand (a line break, a bar, a blank at a field's
@@ -259,9 +265,7 @@ void cTransfer::Import()
         // A file cut short (a copy or a download that stopped) ends within a line, or holds fewer
         // recipes than its [ID] section counts: its last recipe may be cut, and is left out.
         const int expected = recipesToImport(file);
-        int present = 0;
-        while (file.hasSection(QString::number(present + 1)))
-            ++present;
+        const int present = sectionsPresent(file);
         m_lastWhole = present;
         if (!endsWithLineBreak(FileName) || (file.hasSection(kIdSection) && expected > present))
             --m_lastWhole;

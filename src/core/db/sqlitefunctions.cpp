@@ -253,8 +253,7 @@ int compareWithoutCase(void *rule, int aBytes, const void *a, int bBytes, const 
         if (c != 0) // the engine orders by lower case: "_" before letters
             return (x[i] >= 'A' && x[i] <= 'Z' ? x[i] + 32 : x[i]) - (y[i] >= 'A' && y[i] <= 'Z' ? y[i] + 32 : y[i]);
     }
-    if (i == common && !(everyLetter && (!std::all_of(x + i, x + aBytes, [](unsigned char c) { return c < 0x80; }) ||
-                                         !std::all_of(y + i, y + bBytes, [](unsigned char c) { return c < 0x80; }))))
+    if (i == common && !(everyLetter && (!isAscii(x + i, aBytes - i) || !isAscii(y + i, bBytes - i))))
         return aBytes - bBytes;
     const QString lx = FromStoredUtf8(reinterpret_cast<const char *>(x), aBytes).toLower();
     const QString ly = FromStoredUtf8(reinterpret_cast<const char *>(y), bBytes).toLower();
