@@ -207,7 +207,7 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(ShippedIniPath(), m_ini));
         QFile::setPermissions(m_ini, QFile::ReadOwner | QFile::WriteOwner);
         const QStringList categories = GetIniSection(m_ini, "Category_Food");
-        const FileDefaults defaults {"/t.txt", "/p.rtf", "/d.mdb"};
+        const FileDefaults defaults {"/p.rtf", "/d.mdb"};
         AppSettings s = ReadAppSettings(m_ini, defaults);
         s.BaseFontSize = 14;
         s.PageNumbers = !s.PageNumbers;

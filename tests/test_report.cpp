@@ -160,7 +160,7 @@ private Q_SLOTS:
         StoreTestRecipe(soup, 2);
 
         gSettings.PageNumbers = true;
-        PrintRecipes({2});
+        PrintRecipes(QList<qint32> {2});
         QCOMPARE(m_shown.size(), 1);
         QCOMPARE(texts(m_shown[0]).first(), QStringLiteral("Soup")); // one recipe: no contents, no number
 
@@ -220,7 +220,7 @@ private Q_SLOTS:
         QCOMPARE(m_boxes->boxes[0].title, QStringLiteral("Message"));
         QCOMPARE(m_shown.size(), 1);
         CloseDatabase();
-        PrintRecipes({1});
+        PrintRecipes(QList<qint32> {1});
         QCOMPARE(
             m_boxes->boxes.last().prompt,
             QStringLiteral("Because you were not able to connect to the database, this function has been disabled."));

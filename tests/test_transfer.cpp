@@ -105,10 +105,12 @@ private Q_SLOTS:
 
     void fileNameComesFromTheSettings()
     {
+        // As shipped, a name without a folder: the household's program directory.
+        QCOMPARE(cTransfer().FileName, m_home->path(QStringLiteral("transfer.txt")));
         WriteIniValue(IniPath(), QStringLiteral("Files"), QStringLiteral("Transfer=/elsewhere/t.txt"));
         QCOMPARE(cTransfer().FileName, QStringLiteral("/elsewhere/t.txt"));
         WriteIniValue(IniPath(), QStringLiteral("Files"), QStringLiteral("Transfer="));
-        QCOMPARE(cTransfer().FileName, m_home->path(QStringLiteral("transfer.txt")));
+        QCOMPARE(cTransfer().FileName, QString());
     }
 
     void subItemSplitsAtTheSeparator_data()

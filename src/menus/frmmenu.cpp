@@ -405,7 +405,7 @@ void frmMenu::tvMenu_DblClick()
             m_changed = true;
         }
     } else if (const qsizetype at = key.indexOf(QLatin1String("ID: ")); at >= 0) {
-        PrintRecipes({qint32(Val(key.mid(at + 4)))});
+        PrintRecipes(QStringList {key.mid(at + 4)});
     }
 }
 
@@ -446,10 +446,7 @@ void frmMenu::cmdShop_Click(int index)
 
 void frmMenu::cmdPrintAll_Click()
 {
-    QList<qint32> ids;
-    for (const QString &id : GatherRecipeIds(startNode()))
-        ids.append(qint32(Val(id)));
-    PrintRecipes(ids);
+    PrintRecipes(GatherRecipeIds(startNode()));
 }
 
 void frmMenu::cmdSave_Click()

@@ -168,8 +168,12 @@ bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *pro
 
 RecipeData LoadRecipe(qint32 id)
 {
+    return LoadRecipe(QString::number(id));
+}
+
+RecipeData LoadRecipe(const QString &number)
+{
     RecipeData recipe;
-    const QString number = QString::number(id);
     gSQL = QStringLiteral("SELECT * FROM RECIPE WHERE ID = ") + number;
     Recordset found = ExecuteSQL(gSQL);
     recipe.exists = found && !found.eof();

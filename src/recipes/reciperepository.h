@@ -20,6 +20,9 @@ bool StoreRecipe(const RecipeData &recipe, qint32 id, bool replace, QString *pro
 QString UnstorableText(const RecipeData &recipe);
 // Reads a stored recipe; a missing one reads as empty fields and no lines.
 RecipeData LoadRecipe(qint32 id);
+// The same for an identifier as the menu tree's keys spell it, put into the statements as it
+// stands; one that is no number is reported as the database refuses it, and reads as no recipe.
+RecipeData LoadRecipe(const QString &identifier);
 // Deletes the recipe with its lines, all or nothing. False when it was not deleted; problem
 // (when given) then says why in the household's words, or is empty after a failure that the
 // database has already reported.

@@ -85,6 +85,14 @@ void ComposeRecipe(RecipePrinter &p, const RecipeData &r, const ReportSettings &
 
 void PrintRecipes(const QList<qint32> &ids)
 {
+    QStringList identifiers;
+    for (const qint32 id : ids)
+        identifiers.append(QString::number(id));
+    PrintRecipes(identifiers);
+}
+
+void PrintRecipes(const QStringList &ids)
+{
     if (ReportNotConnected())
         return;
     RecipePrinter printer;
@@ -102,7 +110,7 @@ void PrintRecipes(const QList<qint32> &ids)
             printer.AddLine(QStringLiteral("Recipes"), kFont, b + 10, true, false);
             printer.AddLine(QString(), kFont, 9, false, false);
             for (qsizetype i = 0; i < n; ++i) {
-                gSQL = QStringLiteral("SELECT * FROM RECIPE WHERE ID = ") + QString::number(ids[i]);
+                gSQL = QStringLiteral("SELECT * FROM RECIPE WHERE ID = ") + ids[i];
                 const Recordset rs = ExecuteSQL(gSQL);
                 const QString title = rs && !rs.eof() ? rs.text(QStringLiteral("title")) : QString();
                 printer.AddLine(QStringLiteral("  %1.  ").arg(i + 1) + title, kFont, b + 4, false, false);

@@ -262,7 +262,7 @@ void frmSettings::browse(QLineEdit *box, const QString &title, const QString &fi
 
 void frmSettings::Form_Load()
 {
-    gSettings = ReadAppSettings(IniPath(), {DefaultTransferPath(), shippedPath("recipes.rtf"), defaultDatabase()});
+    gSettings = ReadAppSettings(IniPath(), {shippedPath("recipes.rtf"), defaultDatabase()});
     const AppSettings &s = gSettings;
     cboFontSize->setCurrentText(QString::number(s.BaseFontSize));
     chkNewPage->setChecked(s.NewPage);

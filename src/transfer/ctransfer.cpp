@@ -176,9 +176,7 @@ QStringList RecipeSectionLines(const QString &recipeId)
 
 cTransfer::cTransfer()
 {
-    FileName = GetIniValue(IniPath(), QStringLiteral("Files"), QStringLiteral("Transfer"));
-    if (FileName.isEmpty())
-        FileName = DefaultTransferPath();
+    FileName = ProgramFile(GetIniValue(IniPath(), QStringLiteral("Files"), QStringLiteral("Transfer")));
 }
 
 QString cTransfer::SubItem(const QString &value, int n)

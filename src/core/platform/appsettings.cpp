@@ -2,6 +2,7 @@
 
 #include "modini.h"
 #include "platform.h"
+#include "programdir.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ AppSettings ReadAppSettings(const QString &iniPath, const FileDefaults &defaults
     s.NewPage = readSwitch(kPrint, QStringLiteral("NewPage"));
     s.BlankLines = readSwitch(kPrint, QStringLiteral("BlankLines"));
     s.PageNumbers = readSwitch(kPrint, QStringLiteral("PageNumbers"));
-    s.Transfer = fileSetting(QStringLiteral("Transfer"), defaults.transfer);
+    s.Transfer = ProgramFile(GetIniValue(iniPath, kFiles, QStringLiteral("Transfer")));
     s.Preview = fileSetting(QStringLiteral("Preview"), defaults.preview);
     s.Database = fileSetting(QStringLiteral("Database"), defaults.database);
     s.RecipeView = readSwitch(kMisc, QStringLiteral("RecipeView"));

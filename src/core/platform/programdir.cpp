@@ -70,6 +70,11 @@ QString DefaultTransferPath()
     return JoinPath(ProgramDir(), QStringLiteral("transfer.txt"));
 }
 
+QString ProgramFile(const QString &name)
+{
+    return name.isEmpty() || !QDir::isRelativePath(name) ? name : JoinPath(ProgramDir(), name);
+}
+
 bool SameFile(const QString &a, const QString &b)
 {
     return QDir::cleanPath(QFileInfo(a).absoluteFilePath()) == QDir::cleanPath(QFileInfo(b).absoluteFilePath());

@@ -16,8 +16,11 @@ QString IniPath();
 // The database the data-source set-up creates and registers: PANTRIO.MDB in the program
 // directory.
 QString DefaultDatabasePath();
-// The transfer file when none is set: transfer.txt in the program directory.
+// The transfer file the settings dialog's reset offers: transfer.txt in the program directory.
 QString DefaultTransferPath();
+// A file the settings name: a name without a folder (as shipped, for the folder is not known
+// before the first start) is in the program directory; an empty name stays empty.
+QString ProgramFile(const QString &name);
 // Whether two paths name the same file (however they are spelled).
 bool SameFile(const QString &a, const QString &b);
 // The directory part of a path up to and including its last separator ("\" or "/").
