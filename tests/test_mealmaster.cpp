@@ -1,6 +1,8 @@
 // MealMaster collections: files read in (layouts, encodings, damage), written out and read back.
 
 #include "cabinet/modcabinet.h"
+#include "core/platform/modini.h"
+#include "core/platform/programdir.h"
 #include "core/db/database.h"
 #include "core/ui/frmstatus.h"
 #include "recipes/reciperepository.h"
@@ -147,6 +149,82 @@ private Q_SLOTS:
         QCOMPARE(result.imported, 60);
         for (int i = 0; i < 60; ++i)
             QCOMPARE(Describe(LoadRecipe(61 + i)), Describe(recipes[i]));
+    }
+
+    // The import binds its rows where the statements would have carried the texts as they stand,
+    // and takes the statements' way for the rest: the same recipes come in, under the same
+    // identifiers, as when every recipe is stored by the statements.
+    void bulkImportStoresWhatTheStatementsWould()
+    {
+        QRandomGenerator random(31);
+        const QStringList words {"Flour", "crème",       "牛肉", "50%", "\"quoted\"", "x|y",
+                                 "[1]",   "back\\slash", "--",   "and", "tamis"};
+        const auto text = [&](int most) {
+            QStringList picked;
+            for (int n = 1 + random.bounded(most); n > 0; --n)
+                picked << words[random.bounded(int(words.size()))];
+            return picked.join(u' ').toUtf8();
+        };
+        QByteArray file;
+        for (int i = 0; i < 150; ++i) {
+            file += QByteArray("MMMMM----- Recipe via Meal-Master (tm) v8.05\n\n      Title: ") +
+                    (i % 3 ? "" : "Mom's ") + text(4) + "\n Categories: " + text(2) +
+                    "\n      Yield: " + QByteArray::number(i % 7) + " servings\n\n";
+            for (int n = random.bounded(9); n > 0; --n)
+                file += "      1 c  " + text(5) + '\n';
+            if (i % 5 == 0) // apostrophes the statements take for delimiters
+                file += "      1 c  a,'b (',)\n";
+            for (int n = random.bounded(4); n > 0; --n)
+                file += "\n  " + text(12) + '\n';
+            file += "\nMMMMM\n\n";
+        }
+        WriteFile(m_file, file);
+
+        QStringList measures;
+        for (const QString &line : GetIniSection(IniPath(), QStringLiteral("Measure_Food")))
+            measures << IniLineValue(line);
+        const MeasureCodes codes(measures);
+        QFile source(m_file);
+        QVERIFY(source.open(QIODevice::ReadOnly));
+        MealMasterReader reader(source, codes);
+        MealMasterRecipe read;
+        QStringList byStatements;
+        while (reader.next(read)) {
+            qint32 id = 0;
+            if (read.problem.isEmpty() && StoreRecipe(read.recipe, 0, false, nullptr, &id, false))
+                byStatements << Describe(LoadRecipe(id));
+        }
+        QCOMPARE(byStatements.size(), 120); // those apostrophes are refused
+        ExecuteSQL(QStringLiteral("DELETE * FROM RECIPE"));
+
+        const MealMasterImportResult result = ImportMealMasterFiles({m_file});
+        QCOMPARE(result.imported, byStatements.size());
+        for (qsizetype i = 0; i < byStatements.size(); ++i)
+            QCOMPARE(Describe(LoadRecipe(qint32(i + 1))), byStatements[i]);
+    }
+
+    // What the database keeps otherwise than it was read is found when the import reads its
+    // recipes back: that recipe goes again and is set aside with the rejected.
+    void importRemovesARecipeStoredOtherwise()
+    {
+        if (gConn().driverName() != u"QSQLITE")
+            QSKIP("the file database's rows are bound; a server's are read back one recipe at a time");
+        QVERIFY(!ExecuteSQL(QStringLiteral("CREATE TRIGGER tamper AFTER INSERT ON DIRECTIONS WHEN new.direction "
+                                           "LIKE '%tamper%' BEGIN UPDATE DIRECTIONS SET direction = 'changed' WHERE "
+                                           "recipe_id = new.recipe_id AND step = new.step; END"))
+                     .failed());
+        const QByteArray tampered = "MMMMM----- Recipe via Meal-Master\n      Title: Odd\n\n      1 c  Flour\n\n"
+                                    "  Please tamper.\nMMMMM\n";
+        WriteFile(m_file, QByteArray(kPie) + tampered + kPie);
+        const MealMasterImportResult result = ImportMealMasterFiles({m_file});
+        QCOMPARE(result.imported, 2);
+        QCOMPARE(result.rejected, 1);
+        QVERIFY(result.reasons.contains(
+            QStringLiteral("collection.mmf, recipe 2 (Odd): the database did not keep it as it was read")));
+        QCOMPARE(ReadBytes(m_home->path(QStringLiteral("collection-rejected.mmf"))), tampered);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE WHERE id = 2"), 0);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE recipe_id = 2"), 0);
+        QCOMPARE(QueryNumber("SELECT count(*) FROM RECIPE"), 2);
     }
 
     void exportCommandChoosesInTheSearchWindow()

@@ -13,6 +13,7 @@
 #include "core/platform/platform.h"
 #include "core/platform/programdir.h"
 #include "recipes/searchindexes.h"
+#include "recipes/bulkstore.h"
 #include "recipes/cabinetnames.h"
 #include "recipes/reciperepository.h"
 #include "search/frmsearch.h"
@@ -78,31 +79,55 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         GatheredFailures failures; // named once in the closing summary, not a box each
         CabinetNames names; // of the recipes stored, added to the cabinet once
         SearchIndexesBulk counted;
+        BulkRecipeStore store;
+        // Where each stored recipe stands in the file, by identifier from the first on.
+        struct Source {
+            qint64 begin;
+            qint64 end;
+            int number;
+        };
+        std::vector<Source> sources;
+        qint32 firstId = 0;
+        const auto reject = [&](int number, const QString &title, qint64 begin, qint64 end, const QString &problem) {
+            ++result.rejected;
+            result.reasons
+                << QStringLiteral("%1, recipe %2 (%3): %4").arg(name).arg(number).arg(title.left(60), problem);
+            rejected += copy(begin, end);
+            if (!rejected.endsWith('\n'))
+                rejected += '\n';
+        };
         for (int number = 1; batch.begun() && feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
-                if (StoreRecipe(read.recipe, 0, false, &problem, nullptr, false))
+                qint32 id = 0;
+                if (store.store(read.recipe, &problem, &id)) {
                     names.add(read.recipe);
-                else if (problem.isEmpty())
+                    firstId = firstId ? firstId : id;
+                    sources.push_back({read.begin, read.end, number});
+                } else if (problem.isEmpty()) {
                     problem = QStringLiteral("the database refused it");
+                }
             }
-            if (problem.isEmpty()) {
+            if (problem.isEmpty())
                 ++result.imported;
-            } else {
-                ++result.rejected;
-                result.reasons << QStringLiteral("%1, recipe %2 (%3): %4")
-                                      .arg(name)
-                                      .arg(number)
-                                      .arg(read.recipe.title.left(60), problem);
-                rejected += copy(read.begin, read.end);
-                if (!rejected.endsWith('\n'))
-                    rejected += '\n';
-            }
+            else
+                reject(number, read.recipe.title, read.begin, read.end, problem);
             ShowStatusStep(message, int(1000 * position / size));
             if (cancel.requested()) {
                 goOn = false;
                 break;
             }
+        }
+        // Everything stored is read back once: a recipe the database holds otherwise than it
+        // was read goes again, and is named.
+        QList<BulkRecipeStore::Removed> removed;
+        if (!store.verify(removed))
+            batch.fail();
+        for (const BulkRecipeStore::Removed &gone : std::as_const(removed)) {
+            const Source &from = sources[std::size_t(gone.id - firstId)];
+            --result.imported;
+            reject(from.number, gone.title, from.begin, from.end,
+                   QStringLiteral("the database did not keep it as it was read"));
         }
         result.reasons << failures.texts();
         // The file's new cabinet names, in the same commit as its recipes.

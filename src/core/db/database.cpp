@@ -318,6 +318,11 @@ Recordset ExecuteSQL(const QString &sql)
     return ExecuteSQL(copy);
 }
 
+void ReportFailedStatement(const QString &statement, const StatementError &error)
+{
+    failed(statement, error);
+}
+
 bool BatchIsOpen()
 {
     return g_batchDepth > 0 && !g_trouble.failed;

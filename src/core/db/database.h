@@ -111,6 +111,10 @@ private:
     GatheredFailures *m_outer;
 };
 
+// Tells of a statement that failed outside ExecuteSQL as ExecuteSQL tells of its own: inside a
+// batch a failure no statement can help fails the batch, any other is shown or gathered.
+void ReportFailedStatement(const QString &statement, const StatementError &error);
+
 // How long a command waits for another program that holds the database, in milliseconds.
 inline constexpr int kLockWaitMs = 10000;
 // The household's words for a failure of the database: the cause, then what it means.

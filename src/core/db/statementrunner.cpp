@@ -657,3 +657,15 @@ bool ConnectionIsReadOnly(QSqlDatabase &db)
     sqlite3 *connection = sqliteHandle(db);
     return connection && sqlite3_db_readonly(connection, "main") == 1;
 }
+
+sqlite3 *SqliteConnection(QSqlDatabase &db)
+{
+    return sqliteHandle(db);
+}
+
+StatementError SqliteFailure(sqlite3 *connection, int code)
+{
+    StatementError error;
+    fail(&error, connection, code, false);
+    return error;
+}

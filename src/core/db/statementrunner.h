@@ -4,6 +4,7 @@
 #include "core/db/recordset.h"
 
 class QSqlDatabase;
+struct sqlite3;
 
 struct StatementError {
     // What went wrong, as far as the household can do something about it.
@@ -31,3 +32,7 @@ void SetLockWait(QSqlDatabase &db, int milliseconds);
 bool ConnectionIsReadOnly(QSqlDatabase &db);
 // Lets go of the statements kept for reuse; before the connection closes.
 void ReleaseCachedStatements();
+// The file database's own handle behind the connection; nullptr on a server or when closed.
+sqlite3 *SqliteConnection(QSqlDatabase &db);
+// Why a statement of the file database failed with the code, as ExecuteSQL tells it.
+StatementError SqliteFailure(sqlite3 *connection, int code);
