@@ -2,6 +2,8 @@
 
 #include "core/platform/appstate.h"
 #include "core/db/database.h"
+#include "core/ui/desktopsession.h"
+#include "quantities/frmresize.h"
 #include "recipes/cabinetsuggestion.h"
 #include "recipes/cookingtimes.h"
 #include "recipes/frmadd2.h"
@@ -9,7 +11,9 @@
 #include "recipes/reciperepository.h"
 #include "support/testsupport.h"
 
+#include <QApplication>
 #include <QComboBox>
+#include <QScopeGuard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -48,6 +52,20 @@ void select(QTreeWidget *list, int row)
 }
 
 } // namespace
+
+// The desktop as cooking mode sees it: what it was asked to do.
+class RecordingDesktop : public DesktopSession
+{
+public:
+    QStringList calls;
+    quint32 inhibitScreenSaver(const QString &reason) override
+    {
+        calls << QStringLiteral("inhibit ") + reason;
+        return 7;
+    }
+    void releaseScreenSaver(quint32 cookie) override { calls << QStringLiteral("release %1").arg(cookie); }
+    void notify(const QString &summary, const QString &body) override { calls << summary + u'/' + body; }
+};
 
 class TestEditor : public SessionTest
 {
@@ -528,8 +546,14 @@ private Q_SLOTS:
         StoreTestRecipe(TestRecipe(QStringLiteral("Stew"), {"2|cup|Beans|beans", "---|---|Salt|salt"},
                                    {"Soak overnight.", "Simmer 1 1/2 hours, stirring every 10 minutes.", "Serve."}),
                         1);
+        RecordingDesktop desktop;
+        SetDesktopSession(&desktop);
+        const auto restore = qScopeGuard([] { SetDesktopSession(nullptr); });
         auto *cook = new frmCook(LoadRecipe(1), 1);
         cook->show();
+        cook->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(cook));
+        QCOMPARE(desktop.calls, QStringList {"inhibit Cooking from a recipe"});
         QCOMPARE(cook->lstIngredients->count(), 2);
         QCOMPARE(cook->lstIngredients->item(0)->text(), QStringLiteral("2 cup Beans"));
         QTest::keyClick(cook, Qt::Key_Space);
@@ -548,6 +572,12 @@ private Q_SLOTS:
         QVERIFY(cook->lstTimers->item(0)->text().endsWith(QStringLiteral("done! (Enter or click to stop)")));
         cook->tick(5); // it goes on ringing
         QVERIFY(cook->ringing());
+        QCOMPARE(desktop.calls.size(), 1); // the cook is at the window: nothing more to tell
+        cook->startTimer(QStringLiteral("1 min"), 60);
+        cook->hide();
+        cook->tick(60);
+        QCOMPARE(desktop.calls.last(), QStringLiteral("Timer done: Step 1, 1 min/Stew"));
+        cook->show();
         QTest::keyClick(cook, Qt::Key_Return);
         QVERIFY(!cook->ringing());
         QCOMPARE(cook->lstTimers->count(), 0);
@@ -559,9 +589,32 @@ private Q_SLOTS:
         SaveScreenshot(cook, QStringLiteral("frmCook"));
         QTest::keyClick(cook, Qt::Key_Right);
         QTest::keyClick(cook, Qt::Key_Escape); // leaves; the step reached is kept
+        QCOMPARE(desktop.calls.last(), QStringLiteral("release 7"));
         auto *again = new frmCook(LoadRecipe(1), 1);
         QCOMPARE(again->step(), 1);
         again->close();
+
+        // From the editor: the recipe as it stands there, resized amounts included.
+        auto editor = onePage();
+        editor->EditMode = true;
+        editor->RecipeID = 1;
+        editor->PopulateForm();
+        editor->txtServings->setText(QStringLiteral("4"));
+        m_boxes->onModal([](QDialog *dialog) {
+            static_cast<frmResize *>(dialog)->txtNewServings->setText(QStringLiteral("8"));
+            static_cast<frmResize *>(dialog)->cmdResize_Click();
+        });
+        m_boxes->answerInput(QStringLiteral("8"));
+        editor->cmdResize_Click();
+        editor->cmdCook_Click();
+        frmCook *fromEditor = nullptr;
+        for (QWidget *window : QApplication::topLevelWidgets())
+            if (auto *found = qobject_cast<frmCook *>(window); found && found->isVisible())
+                fromEditor = found;
+        QVERIFY(fromEditor);
+        QCOMPARE(fromEditor->lstIngredients->item(0)->text(), QStringLiteral("4 cup Beans"));
+        QCOMPARE(fromEditor->step(), 1);
+        fromEditor->close();
     }
 
     void screenshotsOfBothArrangements()

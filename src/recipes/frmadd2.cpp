@@ -89,6 +89,7 @@ void frmAdd2::connectHandlers()
     connect(cmdSaveAs, &QPushButton::clicked, this, &frmAdd2::cmdSaveAs_Click);
     connect(cmdResize, &QPushButton::clicked, this, &frmAdd2::cmdResize_Click);
     connect(cmdView, &QPushButton::clicked, this, &frmAdd2::cmdView_Click);
+    connect(cmdCook, &QPushButton::clicked, this, &frmAdd2::cmdCook_Click);
     connect(cmdClear, &QPushButton::clicked, this, &frmAdd2::cmdClear_Click);
     connect(cmdClose, &QPushButton::clicked, this, &frmAdd2::cmdClose_Click);
 

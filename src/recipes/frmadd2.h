@@ -70,6 +70,7 @@ public:
     QPushButton *cmdSave;
     QPushButton *cmdSaveAs;
     QPushButton *cmdView;
+    QPushButton *cmdCook;
     QPushButton *cmdResize;
     QPushButton *cmdClear;
     QPushButton *cmdClose;
@@ -119,6 +120,8 @@ public Q_SLOTS:
     // Resizing and viewing.
     void cmdResize_Click();
     void cmdView_Click();
+    // Cooking mode on the recipe as it stands in the editor, resized amounts included.
+    void cmdCook_Click();
 
 protected:
     bool event(QEvent *event) override;

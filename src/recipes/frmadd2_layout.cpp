@@ -86,6 +86,9 @@ void frmAdd2::createControls()
     cmdSaveAs = Named(new QPushButton(QStringLiteral("Save As"), this), "cmdSaveAs");
     cmdView = Named(new QPushButton(QStringLiteral("&View"), this), "cmdView");
     cmdResize = Named(new QPushButton(QStringLiteral("&Resize Recipe"), this), "cmdResize");
+    // Every letter of its name is another control's access key here: F11, as full screen is.
+    cmdCook = Named(new QPushButton(QStringLiteral("Cooking Mode (F11)"), this), "cmdCook");
+    cmdCook->setShortcut(Qt::Key_F11);
     cmdClear = Named(new QPushButton(QStringLiteral("C&lear"), this), "cmdClear");
     cmdClose = Named(new QPushButton(QStringLiteral("&Close"), this), "cmdClose");
     for (QPushButton *button : findChildren<QPushButton *>())
@@ -150,7 +153,7 @@ void frmAdd2::createControls()
 void frmAdd2::arrangeLayout()
 {
     auto *buttons = new QHBoxLayout;
-    for (QPushButton *button : {cmdSave, cmdSaveAs, cmdView, cmdResize, cmdClear})
+    for (QPushButton *button : {cmdSave, cmdSaveAs, cmdView, cmdResize, cmdCook, cmdClear})
         buttons->addWidget(button);
     buttons->addStretch();
     buttons->addWidget(cmdClose);

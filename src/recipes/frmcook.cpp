@@ -4,6 +4,7 @@
 #include "reciperepository.h"
 
 #include "core/ui/controls.h"
+#include "core/ui/desktopsession.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -85,7 +86,8 @@ void frmCook::showStep(int step)
 {
     const int last = int(m_recipe.directions.size()) - 1;
     m_step = std::clamp(step, 0, std::max(0, last));
-    stepsReached()[m_recipeId] = m_step;
+    if (m_recipeId != 0) // a recipe not yet saved has nothing to be known by
+        stepsReached()[m_recipeId] = m_step;
     lblStep->setText(last < 0 ? QStringLiteral("No directions")
                               : QStringLiteral("Step %1 of %2").arg(m_step + 1).arg(last + 1));
     const QString direction = last < 0 ? QString() : m_recipe.directions[m_step].direction;
@@ -126,7 +128,11 @@ void frmCook::tick(int seconds)
 {
     for (Timer &timer : m_timers) {
         timer.left = std::max(0, timer.left - seconds);
+        const bool rang = timer.ringing;
         timer.ringing = timer.left == 0;
+        // A cook away from the window hears the ring; one at another window is told as well.
+        if (timer.ringing && !rang && (!isVisible() || isMinimized() || !isActiveWindow()))
+            TheDesktop().notify(QStringLiteral("Timer done: ") + timer.name, m_recipe.title);
     }
     if (ringing())
         QApplication::beep(); // every second until acknowledged
@@ -205,8 +211,28 @@ void frmCook::keyPressEvent(QKeyEvent *event)
     QWidget::keyPressEvent(event);
 }
 
+void frmCook::showEvent(QShowEvent *event)
+{
+    if (!m_screenOn)
+        m_screenOn = std::make_unique<ScreenKeptOn>(QStringLiteral("Cooking from a recipe"));
+    QWidget::showEvent(event);
+}
+
+void frmCook::closeEvent(QCloseEvent *event)
+{
+    m_screenOn.reset();
+    QWidget::closeEvent(event);
+}
+
+frmCook::~frmCook() = default;
+
 void ShowCookingMode(qint32 recipeId)
 {
-    auto *cook = new frmCook(LoadRecipe(recipeId), recipeId);
+    ShowCookingMode(LoadRecipe(recipeId), recipeId);
+}
+
+void ShowCookingMode(const RecipeData &recipe, qint32 recipeId)
+{
+    auto *cook = new frmCook(recipe, recipeId);
     cook->showFullScreen();
 }

@@ -4,23 +4,28 @@
 // the steps (Space or Right, Left, Home, End; Escape leaves); Ctrl+plus and Ctrl+minus change
 // the type's size, Ctrl+D the dark and light look. The times written in the step are buttons:
 // each starts a timer named after its step, all of them shown from any step, and one that ends
-// rings until it is acknowledged (Enter, or a click on it).
+// rings until it is acknowledged (Enter, or a click on it), and is told by the desktop when the
+// window is not the one in front. While it is shown the screen does not blank.
 
 #include "recipedata.h"
 
 #include <QElapsedTimer>
 #include <QWidget>
 
+#include <memory>
+
 class QLabel;
 class QListWidget;
 class QHBoxLayout;
 class QTimer;
+class ScreenKeptOn;
 
 class frmCook : public QWidget
 {
     Q_OBJECT
 public:
     explicit frmCook(const RecipeData &recipe, qint32 recipeId, QWidget *parent = nullptr);
+    ~frmCook() override;
 
     QListWidget *lstIngredients;
     QLabel *lblStep;
@@ -41,6 +46,8 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     struct Timer {
@@ -59,7 +66,11 @@ private:
     QHBoxLayout *m_timeButtons;
     QList<Timer> m_timers;
     QTimer *m_clock;
+    std::unique_ptr<ScreenKeptOn> m_screenOn;
 };
 
 // Opens cooking mode on the stored recipe, full screen.
 void ShowCookingMode(qint32 recipeId);
+// The same for a recipe as the editor holds it (resized, perhaps not saved); the step reached
+// is remembered by its identifier, when it has one.
+void ShowCookingMode(const RecipeData &recipe, qint32 recipeId);

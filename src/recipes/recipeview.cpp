@@ -1,6 +1,8 @@
-// Viewing the recipe as it stands in the editor, saved or not, as it would print.
+// Viewing the recipe as it stands in the editor, saved or not: as it would print, or at the
+// stove.
 
 #include "frmadd2.h"
+#include "frmcook.h"
 
 #include "core/platform/appstate.h"
 #include "reports/recipereport.h"
@@ -17,4 +19,9 @@ void frmAdd2::cmdView_Click()
     settings.foodFacts = RecipeType == u"Food";
     ComposeRecipe(printer, CurrentRecipe(), settings);
     printer.Show();
+}
+
+void frmAdd2::cmdCook_Click()
+{
+    ShowCookingMode(CurrentRecipe(), EditMode ? RecipeID : 0);
 }
