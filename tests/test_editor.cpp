@@ -537,6 +537,10 @@ private Q_SLOTS:
         QCOMPARE(times("Roast 10-15 min or 1.5 hrs, turn after 30 seconds"),
                  (QStringList {"10-15 min=600", "1.5 hrs=5400", "30 seconds=30"}));
         QCOMPARE(times("Use 2 minced onions and 350°F."), QStringList());
+        QCOMPARE(times("Chill overnight, or at least 1 hour and 20 minutes."),
+                 (QStringList {"1 hour=3600", "20 minutes=1200"}));
+        QCOMPARE(times("Cook 3 to 4 minutes per side; 1/2 hour more."),
+                 (QStringList {"3 to 4 minutes=180", "1/2 hour=1800"}));
     }
 
     // Cooking mode: the keyboard moves through the steps, the step reached is kept for the
@@ -586,7 +590,11 @@ private Q_SLOTS:
         QCOMPARE(cook->fontSize(), size + 4);
         QTest::keyClick(cook, Qt::Key_D, Qt::ControlModifier);
         QVERIFY(!cook->dark());
-        SaveScreenshot(cook, QStringLiteral("frmCook"));
+        for (const QSize size : {QSize(800, 600), QSize(1600, 1000)}) {
+            cook->resize(size);
+            QCoreApplication::sendPostedEvents(); // the layout follows the new type
+            SaveScreenshot(cook, QStringLiteral("frmCook-%1").arg(size.width()));
+        }
         QTest::keyClick(cook, Qt::Key_Right);
         QTest::keyClick(cook, Qt::Key_Escape); // leaves; the step reached is kept
         QCOMPARE(desktop.calls.last(), QStringLiteral("release 7"));

@@ -155,11 +155,20 @@ void frmCook::applyLook()
     setStyleSheet(m_dark
                       ? QStringLiteral("QWidget#frmCook, QListWidget, QLabel { background: #1e1e1e; color: #f0f0f0; }")
                       : QStringLiteral("QWidget#frmCook, QListWidget, QLabel { background: white; color: black; }"));
+    applySizes();
+}
+
+void frmCook::applySizes()
+{
+    // The chosen size is for a window of 1000 by 700: a larger screen shows larger type, so that
+    // the step reads from as far away.
+    const double scale = std::max(0.5, std::min(width() / 1000.0, height() / 700.0));
+    const int size = std::max(8, int(m_fontSize * scale));
     QFont large = font();
-    large.setPointSize(m_fontSize);
+    large.setPointSize(size);
     lblDirection->setFont(large);
     QFont medium = font();
-    medium.setPointSize(std::max(8, m_fontSize * 2 / 3));
+    medium.setPointSize(std::max(8, size * 2 / 3));
     lblStep->setFont(medium);
     lstIngredients->setFont(medium);
     lstTimers->setFont(medium);
@@ -209,6 +218,12 @@ void frmCook::keyPressEvent(QKeyEvent *event)
         break;
     }
     QWidget::keyPressEvent(event);
+}
+
+void frmCook::resizeEvent(QResizeEvent *event)
+{
+    applySizes();
+    QWidget::resizeEvent(event);
 }
 
 void frmCook::showEvent(QShowEvent *event)

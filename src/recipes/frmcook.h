@@ -1,11 +1,12 @@
 #pragma once
 // Cooking mode: a recipe at the stove, readable from a few steps away. The ingredients (ticked
 // off as they are used) beside the current step in large type; the keyboard alone moves through
-// the steps (Space or Right, Left, Home, End; Escape leaves); Ctrl+plus and Ctrl+minus change
-// the type's size, Ctrl+D the dark and light look. The times written in the step are buttons:
-// each starts a timer named after its step, all of them shown from any step, and one that ends
-// rings until it is acknowledged (Enter, or a click on it), and is told by the desktop when the
-// window is not the one in front. While it is shown the screen does not blank.
+// the steps (Space or Right, Left, Home, End; Escape leaves). The type grows with the window;
+// Ctrl+plus and Ctrl+minus change its size, Ctrl+D the dark and light look. The times written
+// in the step are buttons: each starts a timer named after its step, all of them shown from
+// any step, and one that ends rings until it is acknowledged (Enter, or a click on it), and is
+// told by the desktop when the window is not the one in front. While it is shown the screen
+// does not blank.
 
 #include "recipedata.h"
 
@@ -47,6 +48,7 @@ public:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -56,6 +58,7 @@ private:
         bool ringing = false;
     };
     void applyLook();
+    void applySizes();
     void showTimers();
 
     RecipeData m_recipe;
