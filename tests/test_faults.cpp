@@ -5,10 +5,12 @@
 #include "core/db/database.h"
 #include "core/platform/voice.h"
 #include "cabinet/frmcabinet.h"
+#include "core/db/dbcompact.h"
 #include "core/db/integrity.h"
 #include "core/db/datasources.h"
 #include "core/db/schema.h"
 #include "core/platform/appstate.h"
+#include "core/platform/modini.h"
 #include "core/shell/dbupkeep.h"
 #include "core/shell/startup.h"
 #include "core/ui/frmstatus.h"
@@ -240,6 +242,13 @@ private Q_SLOTS:
         QVERIFY2(notWhole.isEmpty(), qPrintable(notWhole.join(u'\n')));
     }
 
+    // Putting the file in order rewrites all of it: a rewrite that fails on the way leaves
+    // every recipe as it was.
+    void compaction()
+    {
+        driveThroughFaults([] { return CompactDatabase(); }, false);
+    }
+
     void transferImport()
     {
         const QString file = m_home->path(QStringLiteral("transfer.txt"));
@@ -404,10 +413,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("steps");
         QTest::newRow("saves") << QStringLiteral(MIREPAN_SAVE_LOOP) << QStringLiteral("Killed") << 8 << 3;
         QTest::newRow("import") << QStringLiteral(MIREPAN_IMPORT_LOOP) << QStringLiteral("Barley soup") << 2 << 1;
+        QTest::newRow("transfer") << QStringLiteral("--transfer") << QStringLiteral("Barley soup") << 2 << 1;
     }
     void killedWritersLeaveWholeRecipes()
     {
         QFETCH(QString, program);
+        m_boxes->clear();
         QFETCH(QString, title);
         QFETCH(int, lines);
         QFETCH(int, steps);
@@ -417,9 +428,23 @@ private Q_SLOTS:
                 QByteArray(kMealMaster.toUtf8()).replace("Barley soup", "Barley soup " + QByteArray::number(n));
         const QString file = m_home->path(QStringLiteral("big.mmf"));
         WriteFile(file, collection);
-        const QStringList arguments = program == QLatin1String(MIREPAN_SAVE_LOOP)
-                                        ? QStringList {QStringLiteral("100000"), title}
-                                        : QStringList {file};
+        QStringList arguments = program == QLatin1String(MIREPAN_SAVE_LOOP)
+                                  ? QStringList {QStringLiteral("100000"), title}
+                                  : QStringList {file};
+        const QString transferFile = m_home->path(QStringLiteral("transfer.txt"));
+        if (program == QLatin1String("--transfer")) {
+            // The same collection, come as a transfer file: its import also marks the file.
+            QVERIFY(ImportMealMasterFiles({file}).imported == 300);
+            cTransfer exporter;
+            exporter.FileName = transferFile;
+            QStringList ids;
+            for (qint32 id = 1; id <= 300; ++id)
+                ids << SevenDigits(id);
+            exporter.Export(ids);
+            QVERIFY(!ExecuteSQL(QStringLiteral("DELETE * FROM RECIPE")).failed());
+            arguments = QStringList {program, transferFile};
+            program = QStringLiteral(MIREPAN_IMPORT_LOOP);
+        }
         QRandomGenerator random(30);
         for (int kill = 0; kill < 6; ++kill) {
             QProcess writer;
@@ -432,6 +457,9 @@ private Q_SLOTS:
         CloseDatabase();
         QVERIFY(OpenDatabase());
         QCOMPARE(CheckDatabaseIntegrity(), QString());
+        if (arguments.first() == QLatin1String("--transfer")) { // the file is whole too, marked or not
+            QCOMPARE(GetIniValue(transferFile, QStringLiteral("ID"), QStringLiteral("Max")), QStringLiteral("300"));
+        }
         const QString stored = QStringLiteral("FROM RECIPE A WHERE title LIKE '%1 %'").arg(title);
         QVERIFY(QueryNumber(QStringLiteral("SELECT count(*) ") + stored) > 0);
         QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) %1 AND ((SELECT count(*) FROM INGREDIENTS B WHERE "

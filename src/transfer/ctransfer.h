@@ -13,7 +13,7 @@
 class cTransfer
 {
 public:
-    // The transfer file named in the settings (the default beside the program when empty).
+    // The transfer file named in the settings (a bare name is in the program directory).
     cTransfer();
 
     QString FileName;

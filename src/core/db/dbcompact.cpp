@@ -47,6 +47,13 @@ bool CompactDatabaseIfScattered()
     const auto [pages, jumps] = leafPages();
     if (pages < kPagesThatMatter || double(jumps) / double(pages) < kScattered)
         return false;
+    return CompactDatabase();
+}
+
+bool CompactDatabase()
+{
+    if (!onSqlite())
+        return false;
     WorkingNotice status(QStringLiteral("Putting the recipe database in order for faster searches..."));
     gRS = Recordset();
     ReleaseCachedStatements();

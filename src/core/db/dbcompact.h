@@ -13,3 +13,6 @@ double DatabaseScatter();
 // Rewrites the database in order (the engine's VACUUM, all or nothing) when it is large enough
 // to matter and scattered; the progress window shows meanwhile. True when it was rewritten.
 bool CompactDatabaseIfScattered();
+// Rewrites the database in order whatever its state; true when it was rewritten. A rewrite
+// that fails on the way leaves the database as it was.
+bool CompactDatabase();
