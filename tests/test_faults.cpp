@@ -446,7 +446,7 @@ private Q_SLOTS:
             program = QStringLiteral(MIREPAN_IMPORT_LOOP);
         }
         QRandomGenerator random(30);
-        for (int kill = 0; kill < 6; ++kill) {
+        for (int kill = 0, rounds = KillRounds(6); kill < rounds; ++kill) {
             QProcess writer;
             writer.start(program, arguments);
             QVERIFY(writer.waitForStarted(10000));

@@ -254,7 +254,7 @@ private Q_SLOTS:
         for (const QString &section : sectionsOf(m_ini))
             before.insert(section, GetIniSection(m_ini, section));
         QRandomGenerator random(20261123);
-        for (int kill = 0; kill < 200; ++kill) {
+        for (int kill = 0, rounds = KillRounds(200); kill < rounds; ++kill) {
             QVERIFY(KillWhileWriting({QStringLiteral("ini"), m_ini}, random, 20000));
             for (auto it = before.cbegin(); it != before.cend(); ++it) {
                 QStringList lines = GetIniSection(m_ini, it.key());

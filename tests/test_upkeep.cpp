@@ -118,7 +118,7 @@ private Q_SLOTS:
         WriteFile(file("second.BAK"), second);
         WriteFile(file("live.MDB"), first);
         QRandomGenerator random(1123);
-        for (int kill = 0; kill < 60; ++kill) {
+        for (int kill = 0, rounds = KillRounds(60); kill < rounds; ++kill) {
             QVERIFY(KillWhileWriting(
                 {QStringLiteral("copy"), file(kill % 2 ? "first.BAK" : "second.BAK"), file("live.MDB")}, random,
                 15000));

@@ -229,6 +229,12 @@ bool KillWhileWriting(const QStringList &arguments, QRandomGenerator &random, in
     return writer.waitForFinished(10000);
 }
 
+int KillRounds(int inSuite)
+{
+    const int asked = qEnvironmentVariableIntValue("MIREPAN_KILLS");
+    return asked > 0 ? asked : inSuite;
+}
+
 QStringList RecordingVoice::texts() const
 {
     QStringList all;

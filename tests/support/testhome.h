@@ -75,6 +75,9 @@ void WriteFile(const QString &path, const QByteArray &data);
 // Starts the write-loop helper with the arguments, kills it at a random moment within
 // withinMicroseconds of its first write, and waits for it to end; false when it would not run.
 bool KillWhileWriting(const QStringList &arguments, QRandomGenerator &random, int withinMicroseconds);
+// How many kills a kill test makes: the few given for the test suite, or $MIREPAN_KILLS (the
+// long runs of bench/run).
+int KillRounds(int inSuite);
 
 // Records every failure and notice the layers below the windows tell the user, while it lives.
 class RecordingVoice : public Voice
