@@ -6,6 +6,7 @@
 #include "core/db/database.h"
 #include "core/platform/modini.h"
 #include "transfer/ctransfer.h"
+#include "transfer/transferfile.h"
 
 #include <QApplication>
 #include <QFile>

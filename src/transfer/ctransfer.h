@@ -5,7 +5,8 @@
 //
 // A section holds Servings, Type, Category, Title, PrepTime, CookTime, Notes and Rating in that
 // order, then Ing1, Ing2, ... ("amount | measure | ingredient | cabinet") and Dir1, Dir2, ...
-// ("step | direction"). Values are written as they stand.
+// ("step | direction"). Values are written as they stand. The file's reading and writing are
+// in transferfile.h; this is the command the household sees.
 
 #include <QString>
 #include <QStringList>
@@ -23,9 +24,6 @@ public:
     // Asks, then adds every recipe of the file as a new recipe, section by section from 1 to
     // the first missing one.
     void Import();
-    // Adds the recipe of one section's lines (key=value, in file order); true when the recipe
-    // was stored (some of its lines may have been left out).
-    bool RecipeProcess(const QStringList &lines);
     // The n-th field (from 1) of a value split at " | ", without the blanks at its ends; the
     // last field runs to the end of the value; "" past the last field.
     static QString SubItem(const QString &value, int n);
@@ -33,11 +31,4 @@ public:
 private:
     // Why a recipe or a line of the file being imported was left out, one line each.
     QStringList m_leftOut;
-    int m_section = 0;
-    int m_lastWhole = 0; // the last section the file holds whole
 };
-
-// The lines of the recipe's section: its eight fields, its ingredients and its directions, in
-// the order the database gives them, escaped when a text needs it ("Escaped=True" then says
-// so); none when there is no such recipe.
-QStringList RecipeSectionLines(const QString &recipeId);
