@@ -2,6 +2,7 @@
 
 #include "core/platform/appstate.h"
 #include "core/db/database.h"
+#include "core/ui/controls.h"
 #include "core/ui/desktopsession.h"
 #include "quantities/frmresize.h"
 #include "recipes/cabinetsuggestion.h"
@@ -118,6 +119,34 @@ private Q_SLOTS:
         QCOMPARE(e->cboMeasure->findText(QStringLiteral("jigger")), -1);
         QCOMPARE(e->txtCookTime->text(), QStringLiteral("00:00"));
         QVERIFY(!e->txtCookTime->isEnabled()); // kept as it always was
+    }
+
+    // The editor takes the desktop's palette, light or dark: a box greyed and enabled again is
+    // back on the desktop's colours, never forced white.
+    void theDesktopsPaletteLightOrDark()
+    {
+        const QPalette light = QApplication::palette();
+        QPalette dark(QColor(50, 50, 50));
+        dark.setColor(QPalette::Base, QColor(30, 30, 30));
+        dark.setColor(QPalette::Text, Qt::white);
+        dark.setColor(QPalette::WindowText, Qt::white);
+        const auto restore = qScopeGuard([&] { QApplication::setPalette(light); });
+        for (const bool isDark : {false, true}) {
+            QApplication::setPalette(isDark ? dark : light);
+            auto e = onePage();
+            e->show();
+            QVERIFY(QTest::qWaitForWindowExposed(e.get()));
+            QCoreApplication::sendPostedEvents(); // laid out before the picture
+            DisableControl(e->txtTitle);
+            EnableControl(e->txtTitle);
+            const QColor base = (isDark ? dark : light).color(QPalette::Base);
+            QCOMPARE(e->txtTitle->palette().color(QPalette::Base), base);
+            const QImage shot = e->grab().toImage();
+            const QPoint inside = e->txtTitle->mapTo(e.get(), e->txtTitle->rect().center());
+            QCOMPARE(qGray(shot.pixel(inside)) < 128, isDark);
+            SaveScreenshot(e.get(), isDark ? QStringLiteral("frmAdd2-dark") : QStringLiteral("frmAdd2-light"));
+            e->close();
+        }
     }
 
     void changeFlagAndClosing()

@@ -55,8 +55,10 @@ void DisableControl(QWidget *control)
 void EnableControl(QWidget *control)
 {
     control->setEnabled(true);
+    // A text box's own colours are the desktop's (white on a light desktop, dark on a dark
+    // one): the box takes its parent's palette again.
     if (isTextBox(control))
-        setBoxColours(control, Qt::white, Qt::black);
+        control->setPalette(QPalette());
 }
 
 bool HasSelection(const QTreeWidget *list)

@@ -26,7 +26,8 @@ QComboBox *NewEditableCombo(QWidget *parent, const char *name);
 // Greys a control: disabled, a text or combo box on the button-face colour, a list without
 // selection.
 void DisableControl(QWidget *control);
-// Enables a control: a text or combo box back on white with black text.
+// Enables a control: a text or combo box back on the desktop's own colours (white on a light
+// desktop).
 void EnableControl(QWidget *control);
 // True when the list has items and its current item is selected.
 bool HasSelection(const QTreeWidget *list);
