@@ -31,10 +31,14 @@ private Q_SLOTS:
 
     void filesAreInTheirPlaces()
     {
-        for (const char *file : {"bin/mirepan", "bin/reg_vesk", "share/mirepan/pantrio.ini", "share/mirepan/schema.sql",
-                                 "share/mirepan/vesk_um.rtf", "share/applications/org.mirepan.Mirepan.desktop",
-                                 "share/icons/hicolor/scalable/apps/org.mirepan.Mirepan.svg",
-                                 "share/metainfo/org.mirepan.Mirepan.metainfo.xml"})
+        for (const char *file :
+             {"bin/mirepan", "bin/reg_vesk", "share/mirepan/pantrio.ini", "share/mirepan/schema.sql",
+              "share/mirepan/vesk_um.rtf", "share/applications/org.mirepan.mirepan.desktop",
+              "share/icons/hicolor/scalable/apps/org.mirepan.mirepan.svg",
+              "share/icons/hicolor/48x48/apps/org.mirepan.mirepan.png",
+              "share/icons/hicolor/256x256/apps/org.mirepan.mirepan.png", "share/man/man1/mirepan.1.gz",
+              "share/man/man1/reg_vesk.1.gz", "share/doc/mirepan/copyright", "share/doc/mirepan/changelog.gz",
+              "share/metainfo/org.mirepan.mirepan.metainfo.xml"})
             QVERIFY2(QFile::exists(prefix() + u'/' + QLatin1String(file)), file);
     }
 
@@ -44,11 +48,11 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("arguments");
         QTest::newRow("menu entry") << "desktop-file-validate"
                                     << QStringList {prefix() +
-                                                    QStringLiteral("/share/applications/org.mirepan.Mirepan.desktop")};
+                                                    QStringLiteral("/share/applications/org.mirepan.mirepan.desktop")};
         QTest::newRow("software centre")
             << "appstreamcli"
-            << QStringList {QStringLiteral("validate"), QStringLiteral("--no-net"),
-                            prefix() + QStringLiteral("/share/metainfo/org.mirepan.Mirepan.metainfo.xml")};
+            << QStringList {QStringLiteral("validate"), QStringLiteral("--pedantic"), QStringLiteral("--no-net"),
+                            prefix() + QStringLiteral("/share/metainfo/org.mirepan.mirepan.metainfo.xml")};
     }
     void descriptionsAreValid()
     {

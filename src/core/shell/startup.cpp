@@ -203,7 +203,7 @@ MirepanApplication::MirepanApplication(int &argc, char **argv) : QApplication(ar
     setApplicationVersion(QStringLiteral(MIREPAN_VERSION));
     InstallWindowVoice();
     // Ties the windows to the menu entry and its icon on the desktop.
-    setDesktopFileName(QStringLiteral("org.mirepan.Mirepan"));
+    setDesktopFileName(QStringLiteral("org.mirepan.mirepan"));
     // Every window's title bar and the task switcher show the drawing (drawn at any size by
     // Qt's SVG icon engine).
     setWindowIcon(ProgramIcon());
@@ -211,7 +211,7 @@ MirepanApplication::MirepanApplication(int &argc, char **argv) : QApplication(ar
 
 QIcon ProgramIcon()
 {
-    return QIcon(QStringLiteral(":/mirepan/desktop/org.mirepan.Mirepan.svg"));
+    return QIcon(QStringLiteral(":/mirepan/desktop/org.mirepan.mirepan.svg"));
 }
 
 bool MirepanApplication::notify(QObject *receiver, QEvent *event)

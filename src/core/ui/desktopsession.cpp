@@ -39,7 +39,7 @@ public:
             QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
         // Shown until the cook dismisses it: a timer that has rung is not to be missed.
         const QVariantMap hints {{QStringLiteral("urgency"), QVariant::fromValue(uchar(2))}};
-        message << kApplication << quint32(0) << QStringLiteral("org.mirepan.Mirepan") << summary << body
+        message << kApplication << quint32(0) << QStringLiteral("org.mirepan.mirepan") << summary << body
                 << QStringList() << hints << qint32(0);
         bus.send(message);
     }
