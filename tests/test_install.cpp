@@ -1,6 +1,7 @@
 // Installing: the files in their places, their descriptions valid, and an installed program
 // that keeps its data in the user's data directory.
 
+#include "core/platform/modini.h"
 #include "support/testsupport.h"
 
 #include <QDir>
@@ -88,8 +89,18 @@ private Q_SLOTS:
             QVERIFY(mirepan.waitForFinished(60000));
             QVERIFY2(mirepan.readAllStandardOutput().contains("shown-at-ms"),
                      mirepan.readAllStandardError().constData());
+            if (start == 0) { // as an older version left them: the manual is renewed, the settings kept
+                WriteFile(home + QStringLiteral("/.local/share/Mirepan/Mirepan/vesk_um.rtf"), "an old manual");
+                WriteIniValue(home + QStringLiteral("/.local/share/Mirepan/Mirepan/pantrio.ini"),
+                              QStringLiteral("Print_Settings"), QStringLiteral("BaseFontSize=14"));
+            }
         }
         const QString data = home + QStringLiteral("/.local/share/Mirepan/Mirepan/");
+        QCOMPARE(ReadBytes(data + QStringLiteral("vesk_um.rtf")),
+                 ReadBytes(prefix() + QStringLiteral("/share/mirepan/vesk_um.rtf")));
+        QCOMPARE(GetIniValue(data + QStringLiteral("pantrio.ini"), QStringLiteral("Print_Settings"),
+                             QStringLiteral("BaseFontSize")),
+                 QStringLiteral("14"));
         for (const char *file : {"pantrio.ini", "PANTRIO.MDB", "vesk_um.rtf"})
             QVERIFY2(QFile::exists(data + QLatin1String(file)), file);
         QVERIFY(ReadFile(home + QStringLiteral("/.config/Mirepan/Mirepan/datasources.ini"))

@@ -6,6 +6,8 @@
 #include "core/db/datasources.h"
 #include "core/db/schema.h"
 #include "core/shell/frmmain.h"
+#include "core/ui/frmhelp.h"
+#include "core/ui/periphery.h"
 #include "core/ui/frmstatus.h"
 #include "core/platform/modini.h"
 #include "core/shell/singleinstance.h"
@@ -16,6 +18,11 @@
 #include "support/testsupport.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTextBlock>
+#include <QTextBrowser>
 #include <QElapsedTimer>
 #include <QTcpServer>
 #include <QComboBox>
@@ -415,13 +422,36 @@ private Q_SLOTS:
         SaveScreenshot(&main, QStringLiteral("frmMain"));
     }
 
-    void helpOpensTheShippedManual()
+    // Help shows the manual of this version in a window of its own, its chapters beside the
+    // text and a search through it; the printable copy goes to the desktop's word processor.
+    void helpShowsTheManual()
     {
         frmMain main;
-        QFile::copy(QStringLiteral(MIREPAN_SOURCE_DIR "/data/vesk_um.rtf"), m_home->path("vesk_um.rtf"));
         main.mnuUM->trigger();
+        frmHelp *help = nullptr;
+        for (QWidget *window : QApplication::topLevelWidgets())
+            if (auto *found = qobject_cast<frmHelp *>(window); found && found->isVisible())
+                help = found;
+        QVERIFY(help);
+        QVERIFY(help->lstContents->count() >= 12);
+        QCOMPARE(help->lstContents->item(0)->text(), QStringLiteral("Starting Mirepan"));
+        help->lstContents->setCurrentRow(5);
+        QCOMPARE(help->txtManual->textCursor().block().text(), help->lstContents->item(5)->text());
+        help->txtFind->setText(QStringLiteral("PANTRIO.BAK"));
+        QVERIFY(help->findNext());
+        const int first = help->txtManual->textCursor().position();
+        QVERIFY(help->findNext());
+        QVERIFY(help->txtManual->textCursor().position() != first);
+        help->txtFind->setText(QStringLiteral("no such words anywhere"));
+        QVERIFY(!help->findNext());
+        SaveScreenshot(help, QStringLiteral("frmHelp"));
+
+        QFile::copy(QStringLiteral(MIREPAN_MANUAL_RTF), m_home->path("vesk_um.rtf"));
+        help->cmdOpenRtf->click();
         QCOMPARE(m_shell->opened, QStringList {m_home->path("vesk_um.rtf")});
+        QVERIFY(ReadFile(m_home->path("vesk_um.rtf")).contains(QStringLiteral("Planning menus")));
         QVERIFY(m_boxes->boxes.isEmpty());
+        help->close();
         main.mnuWebPage->trigger(); // not shipped into the test directory: a clear message
         QCOMPARE(m_boxes->boxes.size(), 1);
         QVERIFY(m_boxes->boxes[0].prompt.startsWith(QStringLiteral("The web page could not be opened")));
@@ -431,11 +461,10 @@ private Q_SLOTS:
     {
         // The desktop's opener finds no program for the manual and says so only by its exit.
         m_shell.reset();
-        QFile::copy(QStringLiteral(MIREPAN_SOURCE_DIR "/data/vesk_um.rtf"), m_home->path("vesk_um.rtf"));
-        frmMain main;
+        QFile::copy(QStringLiteral(MIREPAN_MANUAL_RTF), m_home->path("vesk_um.rtf"));
         for (const char *opener : {"true", "false"}) {
             qputenv("MIREPAN_OPENER", QStandardPaths::findExecutable(QLatin1String(opener)).toUtf8());
-            main.mnuUM->trigger();
+            OpenUserManual();
             QTest::qWait(300);
         }
         qunsetenv("MIREPAN_OPENER");

@@ -14,18 +14,29 @@ bool isWritableDir(const QString &dir)
     return info.isDir() && info.isWritable();
 }
 
-// The user's own program directory, stocked once with the shipped files found in from.
+// The user's own program directory, stocked with the shipped files found in from.
 QString userDataDir(const QString &from)
 {
     QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     if (dir.isEmpty())
         dir = QDir::homePath() + QStringLiteral("/.mirepan");
     QDir().mkpath(dir);
-    // Stock the household's copy with the shipped files once; never overwrite theirs.
-    for (const char *name : {"pantrio.ini", "schema.sql", "vesk_um.rtf", "README.md"}) {
+    // The settings file is the household's once it is there; the manual, the web page and the
+    // schema are the program's, and a newer program brings newer ones.
+    const QString settings = dir + QStringLiteral("/pantrio.ini");
+    if (!QFileInfo::exists(settings))
+        QFile::copy(from + QStringLiteral("/pantrio.ini"), settings);
+    for (const char *name : {"schema.sql", "vesk_um.rtf", "README.md"}) {
         const QString target = dir + u'/' + QLatin1String(name);
-        if (!QFileInfo::exists(target))
-            QFile::copy(from + u'/' + QLatin1String(name), target);
+        QFile shipped(from + u'/' + QLatin1String(name));
+        QFile kept(target);
+        if (!shipped.open(QIODevice::ReadOnly))
+            continue;
+        if (kept.open(QIODevice::ReadOnly) && kept.readAll() == shipped.readAll())
+            continue;
+        kept.close();
+        QFile::remove(target);
+        QFile::copy(shipped.fileName(), target);
     }
     return dir;
 }

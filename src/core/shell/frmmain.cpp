@@ -5,6 +5,7 @@
 #include "core/db/dbcompact.h"
 #include "core/ui/guard.h"
 #include "core/ui/msgbox.h"
+#include "core/ui/frmhelp.h"
 #include "core/ui/periphery.h"
 #include "cabinet/cabinettools.h"
 #include "cabinet/frmcabinet.h"
@@ -168,7 +169,7 @@ void frmMain::buildMenus()
 
     connect(mnuAbout, &QAction::triggered, this, [] { ShowAbout(); });
     connect(mnuContact, &QAction::triggered, this, [] { ShowContact(); });
-    connect(mnuUM, &QAction::triggered, this, [] { OpenUserManual(); });
+    connect(mnuUM, &QAction::triggered, this, [] { ShowUserManual(); });
     connect(mnuWebPage, &QAction::triggered, this, [] { OpenWebPage(); });
 }
 
