@@ -9,6 +9,8 @@
 #include "recipes/reciperepository.h"
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"
+#include "core/platform/modini.h"
+#include "quantities/measures.h"
 #include "support/testsupport.h"
 
 #include <QCheckBox>
@@ -223,6 +225,29 @@ private Q_SLOTS:
         QCOMPARE(lines, (QStringList {"Food Cabinet", "", "   a", "   b", " * c", "   d"}));
         w.cmdClose_Click();
         QVERIFY(!w.isVisible());
+    }
+
+    // The weight of a cup of an item, given in the cabinet, is kept in the settings file under
+    // the item's name in capitals; an empty answer forgets it, a wrong one is named.
+    void theWeightOfACup()
+    {
+        addItem("Flour", "F");
+        frmCabinet w;
+        w.show();
+        selectItems(w, {"Flour"});
+        m_boxes->answerInput(QStringLiteral("127.5"));
+        w.cmdDensity_Click();
+        QCOMPARE(GetIniValue(m_home->iniPath(), "Densities", "FLOUR"), QStringLiteral("127.5"));
+        QCOMPARE(Densities::fromSettings(m_home->iniPath()).gramsPerCup(QStringLiteral("flour"))->num, 255);
+        m_boxes->answerInput(QStringLiteral("a lot"));
+        w.cmdDensity_Click();
+        QCOMPARE(m_boxes->inputDefaults.last(), QStringLiteral("127.5"));
+        QCOMPARE(m_boxes->prompts().last(),
+                 QStringLiteral("a lot is no weight in grams: give a number, such as 125 or 127.5."));
+        m_boxes->answerInput(QStringLiteral(" "));
+        w.cmdDensity_Click();
+        QVERIFY(!Densities::fromSettings(m_home->iniPath()).gramsPerCup(QStringLiteral("Flour")));
+        m_boxes->clear();
     }
 
     void addingAndDeletingItems()

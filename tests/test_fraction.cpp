@@ -100,6 +100,22 @@ private Q_SLOTS:
         QCOMPARE(combined({{"300", "g"}, {"0.8", "kg"}}), QStringLiteral("1.1 kg"));
         QCOMPARE(combined({{"1", "cup"}, {"1", "lb"}}), QString()); // volume and mass stay apart
         QCOMPARE(combined({{"1", "pinch"}, {"1", "tsp"}}), QString());
+        // With the weight of a cup of the item (flour, 125 g), cups and grams meet.
+        const Exact flour {125, 1};
+        const auto withFlour = [&](const QList<std::pair<QString, QString>> &parts) {
+            const std::optional<ShownAmount> c = CombineAmounts(parts, flour);
+            return c ? c->amount + u' ' + c->measure : QString();
+        };
+        QCOMPARE(withFlour({{"1", "cup"}, {"100", "g"}}), QStringLiteral("1 3/4 cup"));
+        QCOMPARE(withFlour({{"100", "g"}, {"1", "cup"}}), QStringLiteral("225 g"));
+        const auto shownFlour = [&](const char *amount, const char *measure, MeasureSystem system) {
+            const std::optional<ShownAmount> c =
+                ConvertAmount(QString::fromUtf8(amount), QString::fromUtf8(measure), system, flour);
+            return c ? c->amount + u' ' + c->measure : QString();
+        };
+        QCOMPARE(shownFlour("7/16", "cup", MeasureSystem::Metric), QStringLiteral("55 g"));
+        QCOMPARE(shownFlour("250", "g", MeasureSystem::US), QStringLiteral("2 cup"));
+        QCOMPARE(shownFlour("1", "kg", MeasureSystem::Metric), QString()); // already as the cook weighs it
         const auto annotated = [](const char *text, MeasureSystem system) {
             return AnnotateTemperatures(QString::fromUtf8(text), system);
         };

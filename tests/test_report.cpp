@@ -93,6 +93,12 @@ private Q_SLOTS:
             QVERIFY2(p.plainText().contains(QString::fromUtf8(bake)), qPrintable(p.plainText()));
         }
         QCOMPARE(Describe(r), Describe(before));
+        // A cup of an item whose weight the household gave is weighed in a metric kitchen.
+        WriteIniValue(m_home->iniPath(), "Densities", "FLOUR=125");
+        gSettings.ShowMeasures = QStringLiteral("Metric");
+        RecipePrinter weighed;
+        ComposeRecipe(weighed, r, HouseholdReportSettings());
+        QCOMPARE(texts(weighed).at(7), QStringLiteral("  250 g Flour"));
         // Chosen in the settings dialog and kept in the settings file.
         frmSettings dialog;
         dialog.cboMeasures->setCurrentIndex(2);

@@ -7,7 +7,9 @@
 #include "core/db/database.h"
 #include "core/ui/guard.h"
 #include "core/ui/msgbox.h"
+#include "core/platform/modini.h"
 #include "core/platform/programdir.h"
+#include "quantities/measures.h"
 #include "reports/recipeprinter.h"
 #include "core/ui/voicewindows.h"
 
@@ -68,7 +70,7 @@ frmCabinet::frmCabinet(QWidget *parent) : QWidget(parent, Qt::Window)
         {cmdSelected, &frmCabinet::cmdSelected_Click}, {cmdClearSelected, &frmCabinet::cmdClearSelected_Click},
         {cmdToggle, &frmCabinet::cmdToggle_Click},     {cmdSave, &frmCabinet::cmdSave_Click},
         {cmdPrint, &frmCabinet::cmdPrint_Click},       {cmdClean, &frmCabinet::cmdClean_Click},
-        {cmdClose, &frmCabinet::cmdClose_Click}};
+        {cmdDensity, &frmCabinet::cmdDensity_Click},   {cmdClose, &frmCabinet::cmdClose_Click}};
     for (const auto &[button, handler] : commands)
         connect(button, &QPushButton::clicked, this,
                 [this, handler] { Guarded([this, handler] { (this->*handler)(); }); });
@@ -98,6 +100,7 @@ void frmCabinet::buildLayout()
     cmdSave = button("cmdSave", QStringLiteral("&Save"));
     cmdPrint = button("cmdPrint", QStringLiteral("&Print"));
     cmdClean = button("cmdClean", QStringLiteral("Clea&n"));
+    cmdDensity = button("cmdDensity", QStringLiteral("&Weight of a Cup..."));
     cmdClose = button("cmdClose", QStringLiteral("Cl&ose"));
     cmdSave->setDefault(true);
 
@@ -113,7 +116,7 @@ void frmCabinet::buildLayout()
     for (QPushButton *b : {cmdAll, cmdNone, cmdSelected, cmdClearSelected, cmdToggle})
         side->addWidget(b);
     side->addSpacing(8);
-    for (QPushButton *b : {cmdAdd, cmdDelete, cmdClean})
+    for (QPushButton *b : {cmdAdd, cmdDelete, cmdClean, cmdDensity})
         side->addWidget(b);
     side->addStretch();
     for (QPushButton *b : {cmdSave, cmdPrint, cmdClose})
@@ -361,4 +364,34 @@ void ShowCabinetWindow()
 {
     static QPointer<frmCabinet> window;
     ShowOnly(window);
+}
+
+void frmCabinet::cmdDensity_Click()
+{
+    const QTreeWidgetItem *item = lvwCabinet->currentItem();
+    if (!item || !item->isSelected()) {
+        MsgBox(QStringLiteral("Select the item whose cup you have weighed."), Msg::Ok, QStringLiteral("Error"));
+        return;
+    }
+    const QString name = item->text(0);
+    const QString key = Densities::key(name);
+    const QString current = Densities::text(Densities::fromSettings(IniPath()).gramsPerCup(name));
+    const QString answer = InputBox(QStringLiteral("How many grams does one cup of ") + name +
+                                        QStringLiteral(" weigh?\n\nWith it, its cups and grams convert into one "
+                                                       "another. Leave the box empty to forget it."),
+                                    QStringLiteral("Weight of a Cup"), current)
+                               .trimmed();
+    if (answer == current)
+        return;
+    if (answer.isEmpty()) {
+        DeleteIniKey(IniPath(), QStringLiteral("Densities"), key);
+        return;
+    }
+    const std::optional<Exact> grams = ParseExactAmount(answer);
+    if (!grams || grams->num <= 0) {
+        MsgBox(answer + QStringLiteral(" is no weight in grams: give a number, such as 125 or 127.5."), Msg::Ok,
+               QStringLiteral("Invalid Data"));
+        return;
+    }
+    WriteIniValue(IniPath(), QStringLiteral("Densities"), key + u'=' + Densities::text(grams));
 }

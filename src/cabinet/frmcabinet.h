@@ -27,6 +27,7 @@ public:
     QPushButton *cmdSave;
     QPushButton *cmdPrint;
     QPushButton *cmdClean;
+    QPushButton *cmdDensity;
     QPushButton *cmdClose;
 
     // Unsaved ticks or items.
@@ -46,6 +47,8 @@ public Q_SLOTS:
     void cmdSave_Click();
     void cmdPrint_Click();
     void cmdClean_Click();
+    // The weight of a cup of the selected item, which lets its cups and grams convert.
+    void cmdDensity_Click();
     void cmdClose_Click();
 
 protected:

@@ -1,5 +1,7 @@
 #include "shoppinglist.h"
 
+#include "core/platform/programdir.h"
+
 #include "core/ui/voicewindows.h"
 #include "core/platform/appstate.h"
 #include "core/ui/controls.h"
@@ -61,7 +63,7 @@ QString amountsOf(const QList<NeededRow> &rows, qsizetype from, qsizetype to)
 
 // As amountsOf, but the amounts whose measures convert into one another summed into one amount
 // first, in the largest sensible unit; the others follow as amountsOf lists them.
-QString combinedAmountsOf(const QList<NeededRow> &rows, qsizetype from, qsizetype to)
+QString combinedAmountsOf(const QList<NeededRow> &rows, qsizetype from, qsizetype to, std::optional<Exact> gramsPerCup)
 {
     QList<std::pair<QString, QString>> convertible;
     QList<NeededRow> others;
@@ -71,7 +73,8 @@ QString combinedAmountsOf(const QList<NeededRow> &rows, qsizetype from, qsizetyp
         else
             others.append(rows[i]);
     }
-    const std::optional<ShownAmount> sum = convertible.size() > 1 ? CombineAmounts(convertible) : std::nullopt;
+    const std::optional<ShownAmount> sum =
+        convertible.size() > 1 ? CombineAmounts(convertible, gramsPerCup) : std::nullopt;
     if (!sum)
         return amountsOf(rows, from, to);
     return sum->amount + u' ' + sum->measure + QStringLiteral(" + ") + amountsOf(others, 0, others.size());
@@ -151,14 +154,16 @@ void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
         }
         heading(printer, QStringLiteral("Needed Ingredient Amounts for ") + nodeText + u':');
         const int b = gSettings.BaseFontSize;
+        const Densities densities = gSettings.CombineMeasures ? Densities::fromSettings(IniPath()) : Densities();
         for (qsizetype first = 0; first < rows.size();) {
             const QString item = rows[first].cabinet;
             const QString upper = item.toUpper();
             qsizetype end = first + 1;
             while (end < rows.size() && rows[end].cabinet.toUpper() == upper)
                 ++end;
-            QString amounts =
-                gSettings.CombineMeasures ? combinedAmountsOf(rows, first, end) : amountsOf(rows, first, end);
+            QString amounts = gSettings.CombineMeasures
+                                ? combinedAmountsOf(rows, first, end, densities.gramsPerCup(item))
+                                : amountsOf(rows, first, end);
             // At hand when the cabinet of each recipe type that needs it holds it, as the
             // shopping list judges.
             QStringList types;

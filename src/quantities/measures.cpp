@@ -1,5 +1,7 @@
 #include "measures.h"
 
+#include "core/platform/modini.h"
+
 #include <QHash>
 #include <QList>
 #include <QRegularExpression>
@@ -179,6 +181,20 @@ ShownAmount shown(Exact base, Kind kind, System system)
     return {friendly(tsp), QStringLiteral("tsp")};
 }
 
+// One US cup in ml: 48 teaspoons.
+constexpr Exact kCup {kTsp.num * 48, kTsp.den};
+
+// A quantity of one kind in the other, through the item's grams per cup.
+std::optional<Exact> otherKind(Exact base, Kind from, Exact gramsPerCup)
+{
+    if (gramsPerCup.num <= 0)
+        return std::nullopt;
+    // ml * (g per cup) / (ml per cup) = g; g * (ml per cup) / (g per cup) = ml.
+    const std::optional<Exact> ratio = from == Kind::Volume ? times(gramsPerCup, {kCup.den, kCup.num})
+                                                            : times(kCup, {gramsPerCup.den, gramsPerCup.num});
+    return ratio ? times(base, *ratio) : std::nullopt;
+}
+
 } // namespace
 
 MeasureSystem MeasureSystemFromText(const QString &text)
@@ -220,7 +236,8 @@ std::optional<Exact> ParseExactAmount(const QString &text)
     return std::nullopt;
 }
 
-std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &measure, MeasureSystem system)
+std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &measure, MeasureSystem system,
+                                         std::optional<Exact> gramsPerCup)
 {
     if (system == MeasureSystem::AsWritten)
         return std::nullopt;
@@ -229,12 +246,16 @@ std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &m
     if (!unit || !quantity || quantity->num == 0)
         return std::nullopt;
     const System target = system == MeasureSystem::US ? System::US : System::Metric;
-    if (unit->system == target)
+    // With a density the cook's own way: a metric kitchen weighs, a US one measures by volume.
+    const Kind wanted = !gramsPerCup ? unit->kind : target == System::Metric ? Kind::Mass : Kind::Volume;
+    if (unit->system == target && unit->kind == wanted)
         return std::nullopt;
-    const std::optional<Exact> base = times(*quantity, unit->base);
+    std::optional<Exact> base = times(*quantity, unit->base);
+    if (base && wanted != unit->kind)
+        base = otherKind(*base, unit->kind, *gramsPerCup);
     if (!base)
         return std::nullopt;
-    return shown(*base, unit->kind, target);
+    return shown(*base, wanted, target);
 }
 
 bool IsUnitAmount(const QString &amount, const QString &measure)
@@ -242,18 +263,21 @@ bool IsUnitAmount(const QString &amount, const QString &measure)
     return unitOf(measure) && ParseExactAmount(amount);
 }
 
-std::optional<ShownAmount> CombineAmounts(const QList<std::pair<QString, QString>> &amountsAndMeasures)
+std::optional<ShownAmount> CombineAmounts(const QList<std::pair<QString, QString>> &amountsAndMeasures,
+                                          std::optional<Exact> gramsPerCup)
 {
     std::optional<Unit> first;
     Exact sum;
     for (const auto &[amount, measure] : amountsAndMeasures) {
         const std::optional<Unit> unit = unitOf(measure);
         const std::optional<Exact> quantity = ParseExactAmount(amount);
-        if (!unit || !quantity || (first && unit->kind != first->kind))
+        if (!unit || !quantity || (first && unit->kind != first->kind && !gramsPerCup))
             return std::nullopt;
         if (!first)
             first = unit;
-        const std::optional<Exact> base = times(*quantity, unit->base);
+        std::optional<Exact> base = times(*quantity, unit->base);
+        if (base && unit->kind != first->kind)
+            base = otherKind(*base, unit->kind, *gramsPerCup);
         const std::optional<Exact> total = base ? plus(sum, *base) : std::nullopt;
         if (!total)
             return std::nullopt;
@@ -303,4 +327,34 @@ QString AnnotateTemperatures(const QString &text, MeasureSystem system)
     }
     out += QStringView(text).mid(last);
     return out;
+}
+
+Densities Densities::fromSettings(const QString &iniPath)
+{
+    Densities densities;
+    for (const QString &line : GetIniSection(iniPath, QStringLiteral("Densities"))) {
+        const qsizetype at = line.indexOf(u'=');
+        const std::optional<Exact> grams = at > 0 ? ParseExactAmount(line.mid(at + 1)) : std::nullopt;
+        if (grams && grams->num > 0)
+            densities.m_items.insert(line.left(at), *grams);
+    }
+    return densities;
+}
+
+std::optional<Exact> Densities::gramsPerCup(const QString &cabinetItem) const
+{
+    const auto it = m_items.constFind(key(cabinetItem));
+    return it == m_items.cend() ? std::nullopt : std::optional<Exact>(*it);
+}
+
+QString Densities::key(const QString &cabinetItem)
+{
+    return cabinetItem.trimmed().toUpper();
+}
+
+QString Densities::text(std::optional<Exact> gramsPerCup)
+{
+    if (!gramsPerCup)
+        return {};
+    return gramsPerCup->den == 1 ? QString::number(gramsPerCup->num) : QString::number(value(*gramsPerCup), 'g', 10);
 }

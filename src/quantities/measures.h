@@ -9,6 +9,7 @@
 // fractions, apart from the 16-bit fractions of the recipe arithmetic, so no conversion
 // overflows.
 
+#include <QHash>
 #include <QString>
 
 #include <optional>
@@ -37,15 +38,37 @@ struct ShownAmount {
 // lb) with fractions in halves, thirds, quarters and eighths; metric in whole ml and g, or l and
 // kg with one decimal. Nothing when the measure is not a known unit, the amount no number, or
 // the system AsWritten or the one the measure belongs to already.
-std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &measure, MeasureSystem system);
+// A density, grams in one US cup of the item, lets a volume show as a mass and back: a metric
+// household weighs the cup of flour (125 g), a US one measures the 250 g of flour in cups.
+std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &measure, MeasureSystem system,
+                                         std::optional<Exact> gramsPerCup = std::nullopt);
 
 // Whether the amount is a number and the measure a known unit: what converts and combines.
 bool IsUnitAmount(const QString &amount, const QString &measure);
 
 // Amounts of compatible measures summed into one, in the largest sensible unit of the first
 // one's system ("1 1/2 tsp" + "1 Tbsp" is "2 1/2 Tbsp"); nothing when a measure is not a known
-// unit of the same kind (volume or mass) or an amount no number.
-std::optional<ShownAmount> CombineAmounts(const QList<std::pair<QString, QString>> &amountsAndMeasures);
+// unit of the same kind (volume or mass) or an amount no number. With the item's density,
+// volumes and masses sum too, in the first one's kind.
+std::optional<ShownAmount> CombineAmounts(const QList<std::pair<QString, QString>> &amountsAndMeasures,
+                                          std::optional<Exact> gramsPerCup = std::nullopt);
+
+// The densities the household has given its cabinet items, kept in the settings file as
+// [Densities] "ITEM=grams in one cup" (the item as the cabinet names it, in capitals, since the
+// cabinet matches names without regard to case).
+class Densities
+{
+public:
+    // Reads the section once.
+    static Densities fromSettings(const QString &iniPath);
+    std::optional<Exact> gramsPerCup(const QString &cabinetItem) const;
+    // The entry's key and value as written into the settings file ("" for no density).
+    static QString key(const QString &cabinetItem);
+    static QString text(std::optional<Exact> gramsPerCup);
+
+private:
+    QHash<QString, Exact> m_items;
+};
 
 // The text with each temperature written in it ("350°F", "180 C", "gas mark 4") followed by
 // the same in the system's scale, in parentheses; unchanged for AsWritten.

@@ -11,10 +11,7 @@ void frmAdd2::cmdView_Click()
 {
     RecipePrinter printer;
     printer.SetFileName(gSettings.Preview);
-    ReportSettings settings;
-    settings.baseFontSize = gSettings.BaseFontSize;
-    settings.blankLines = gSettings.BlankLines;
-    settings.measures = MeasureSystemFromText(gSettings.ShowMeasures);
+    ReportSettings settings = HouseholdReportSettings();
     // The editor's own type decides, not the program's current one.
     settings.foodFacts = RecipeType == u"Food";
     ComposeRecipe(printer, CurrentRecipe(), settings);

@@ -4,6 +4,7 @@
 #include "core/ui/controls.h"
 #include "core/db/database.h"
 #include "core/platform/platform.h"
+#include "core/platform/programdir.h"
 #include "core/ui/frmstatus.h"
 
 #include <QLabel>
@@ -22,6 +23,17 @@ const QString kLargeReport =
 const QString kNoTime = QStringLiteral("00:00");
 
 } // namespace
+
+ReportSettings HouseholdReportSettings()
+{
+    ReportSettings settings;
+    settings.baseFontSize = gSettings.BaseFontSize;
+    settings.blankLines = gSettings.BlankLines;
+    settings.measures = MeasureSystemFromText(gSettings.ShowMeasures);
+    if (settings.measures != MeasureSystem::AsWritten)
+        settings.densities = Densities::fromSettings(IniPath());
+    return settings;
+}
 
 int HalfBlankSize(int baseFontSize)
 {
@@ -53,7 +65,8 @@ void ComposeRecipe(RecipePrinter &p, const RecipeData &r, const ReportSettings &
         for (const IngredientLine &line : r.ingredients) {
             p.AddText(QStringLiteral("  "), kFont, 9, false, false);
             // Shown in the household's measures, when asked for; the recipe keeps what was written.
-            const std::optional<ShownAmount> converted = ConvertAmount(line.amount, line.measure, s.measures);
+            const std::optional<ShownAmount> converted =
+                ConvertAmount(line.amount, line.measure, s.measures, s.densities.gramsPerCup(line.cabinet));
             const QString amount = converted ? converted->amount : line.amount;
             const QString measure = converted ? converted->measure : line.measure;
             if (amount != kUnset)
@@ -117,10 +130,7 @@ void PrintRecipes(const QStringList &ids)
             }
             printer.StartPage();
         }
-        ReportSettings settings;
-        settings.baseFontSize = b;
-        settings.blankLines = gSettings.BlankLines;
-        settings.measures = MeasureSystemFromText(gSettings.ShowMeasures);
+        ReportSettings settings = HouseholdReportSettings();
         settings.foodFacts = gRecipeType == u"Food";
         for (qsizetype i = 0; i < n; ++i) {
             RecipeData recipe = LoadRecipe(ids[i]);

@@ -13,7 +13,10 @@ struct ReportSettings {
     bool blankLines = true;
     bool foodFacts = true; // servings and times are printed for Food only
     MeasureSystem measures = MeasureSystem::AsWritten; // amounts and temperatures shown converted
+    Densities densities; // the weight of a cup of the cabinet items that have one
 };
+// The household's settings for the report, read once.
+ReportSettings HouseholdReportSettings();
 
 // Composes one recipe. A number above 0 is printed before the title (numbered reports).
 void ComposeRecipe(RecipePrinter &printer, const RecipeData &recipe, const ReportSettings &settings, int number = 0);
