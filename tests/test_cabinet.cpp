@@ -179,11 +179,12 @@ private Q_SLOTS:
             addItem(item, "F");
         frmCabinet w;
         w.show();
-        ExecuteSQL(QStringLiteral("UPDATE CABINET SET available = TRUE WHERE item = 'b' AND type = 'F'")); // elsewhere
+        // Another computer (another process on the same collection) ticks b.
+        QVERIFY(RunElsewhere({QStringLiteral("UPDATE CABINET SET available = TRUE WHERE item = 'b' AND type = 'F'")}));
         w.lvwCabinet->topLevelItem(0)->setCheckState(0, Qt::Checked); // a, here
         w.cmdSave_Click();
         QCOMPARE(cabinet("F"), (QStringList {"a*", "b*", "c"}));
-        ExecuteSQL(QStringLiteral("UPDATE CABINET SET available = TRUE WHERE item = 'c' AND type = 'F'"));
+        QVERIFY(RunElsewhere({QStringLiteral("UPDATE CABINET SET available = TRUE WHERE item = 'c' AND type = 'F'")}));
         w.cmdSave_Click(); // nothing changed here since: nothing written
         QCOMPARE(cabinet("F"), (QStringList {"a*", "b*", "c*"}));
         w.close();

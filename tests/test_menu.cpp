@@ -132,14 +132,10 @@ private Q_SLOTS:
         QFETCH(QString, stored);
         QFETCH(QString, shown);
         frmMenu &menu = openMenu();
-        // Elsewhere: the same empty menu, a group added and saved.
-        {
-            QTreeWidget view;
-            MenuTree theirs(&view);
-            LoadMenu(theirs);
-            theirs.add(QStringLiteral("Root"), QStringLiteral("Title: 1"), QStringLiteral("Their week"));
-            QVERIFY(SaveMenu(theirs).saved());
-        }
+        // Another computer (another process on the same collection): the same empty menu, a
+        // group added and saved.
+        QVERIFY(RunElsewhere({QStringLiteral("INSERT INTO MENU VALUES (0, '', 'Root', 'All Menus')"),
+                              QStringLiteral("INSERT INTO MENU VALUES (1, 'Root', 'Title: 1', 'Their week')")}));
         m_boxes->answerInput(QStringLiteral("My week"));
         menu.cmdNewGroup_Click();
         m_boxes->answerChoice(choice);

@@ -1,6 +1,8 @@
 // Another household computer saving recipes: "saveloop COUNT LABEL" opens the registered
 // collection and saves COUNT new recipes titled "LABEL n" as the editor does, each under the
 // next free identifier. It prints "saved S failed F" and fails when any save failed.
+// "saveloop --sql STATEMENT..." runs the statements instead, as another computer's menu or
+// cabinet save writes them; it fails when one does.
 
 #include "core/db/database.h"
 #include "core/platform/voice.h"
@@ -45,7 +47,7 @@ RecipeData recipe(const QString &title, int n)
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
-    if (argc != 3)
+    if (argc < 3)
         return 2;
     Unattended unattended;
     SetVoice(&unattended);
@@ -53,6 +55,13 @@ int main(int argc, char *argv[])
     if (!OpenDatabase(&failure)) {
         std::fprintf(stderr, "saveloop: cannot open the collection: %s\n", qPrintable(failure.reason));
         return 1;
+    }
+    if (qstrcmp(argv[1], "--sql") == 0) {
+        bool ran = true;
+        for (int i = 2; i < argc; ++i)
+            ran = !ExecuteSQL(QString::fromLocal8Bit(argv[i])).failed() && ran;
+        CloseDatabase();
+        return ran ? 0 : 1;
     }
     const int count = QString::fromLocal8Bit(argv[1]).toInt();
     const QString label = QString::fromLocal8Bit(argv[2]);

@@ -229,6 +229,13 @@ bool KillWhileWriting(const QStringList &arguments, QRandomGenerator &random, in
     return writer.waitForFinished(10000);
 }
 
+bool RunElsewhere(const QStringList &statements)
+{
+    QProcess other;
+    other.start(QStringLiteral(MIREPAN_SAVE_LOOP), QStringList {QStringLiteral("--sql")} + statements);
+    return other.waitForFinished(30000) && other.exitStatus() == QProcess::NormalExit && other.exitCode() == 0;
+}
+
 int KillRounds(int inSuite)
 {
     const int asked = qEnvironmentVariableIntValue("MIREPAN_KILLS");

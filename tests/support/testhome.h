@@ -75,6 +75,9 @@ void WriteFile(const QString &path, const QByteArray &data);
 // Starts the write-loop helper with the arguments, kills it at a random moment within
 // withinMicroseconds of its first write, and waits for it to end; false when it would not run.
 bool KillWhileWriting(const QStringList &arguments, QRandomGenerator &random, int withinMicroseconds);
+// Runs the statements on the registered collection from another process, as another computer
+// would; true when every one ran.
+bool RunElsewhere(const QStringList &statements);
 // How many kills a kill test makes: the few given for the test suite, or $MIREPAN_KILLS (the
 // long runs of bench/run).
 int KillRounds(int inSuite);
