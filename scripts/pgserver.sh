@@ -3,6 +3,8 @@
 # on the loopback address only, on the first free port from 55432 on.
 #   scripts/pgserver.sh start DIR   starts it; DIR/port holds the port, DIR/user the user
 #   scripts/pgserver.sh stop DIR    stops it and removes DIR
+#   scripts/pgserver.sh halt DIR    stops it and keeps its data (a server gone away)
+#   scripts/pgserver.sh resume DIR  starts a halted server again on its port
 # The cluster itself lives in a directory of its own under /tmp (named in DIR/cluster), which
 # the server's account can reach wherever DIR is. It trusts local connections and skips
 # fsync: it holds test data only.
@@ -43,6 +45,15 @@ start)
     cat "$cluster/server.log" >&2
     exit 1
     ;;
+halt)
+    as_owner "$bin/pg_ctl" -D "$(cat "$dir/cluster")/data" -m fast -w stop >/dev/null
+    ;;
+resume)
+    cluster=$(cat "$dir/cluster")
+    as_owner "$bin/pg_ctl" -D "$cluster/data" -l "$cluster/server.log" -w -t 30 \
+        -o "-p $(cat "$dir/port") -k $cluster -c listen_addresses=127.0.0.1 -c fsync=off -c synchronous_commit=off -c full_page_writes=off" \
+        start >/dev/null
+    ;;
 stop)
     if [ -f "$dir/cluster" ]; then
         cluster=$(cat "$dir/cluster")
@@ -52,7 +63,7 @@ stop)
     rm -rf "$dir"
     ;;
 *)
-    echo "pgserver: start or stop" >&2
+    echo "pgserver: start, stop, halt or resume" >&2
     exit 2
     ;;
 esac

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QRandomGenerator>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -475,6 +476,31 @@ private Q_SLOTS:
         for (const RecordingVoice::Told &told : m_voice->told)
             QVERIFY2(!told.text.contains(QStringLiteral("SELECT")) && !told.text.contains(QStringLiteral("INSERT")),
                      qPrintable(told.text));
+        QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("After")), 0, false));
+        QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), 2);
+    }
+
+    // The server stopped between two saves (restarted by its administrator, the machine
+    // rebooted): the save in between is told in plain words, and the first save after the server
+    // is back works without a restart of the program. Run as its own CTest entry, on a server
+    // of its own that it may stop.
+    void aServerRestartedBetweenSavesIsReachedAgain()
+    {
+        const QString script = qEnvironmentVariable("MIREPAN_PGSERVER_SCRIPT");
+        if (TestServerDir().isEmpty() || script.isEmpty())
+            QSKIP("needs a server of its own to stop");
+        m_home->createAndOpenDatabase();
+        QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("Before")), 0, false));
+        const auto server = [&](const char *command) {
+            return QProcess::execute(script, {QLatin1String(command), TestServerDir()}) == 0;
+        };
+        QVERIFY(server("halt"));
+        QString problem;
+        const bool storedWhileAway = StoreRecipe(TestRecipe(QStringLiteral("Away")), 0, false, &problem);
+        QVERIFY(server("resume"));
+        QVERIFY(!storedWhileAway);
+        QVERIFY2(problem.startsWith(QStringLiteral("The recipe collection on 127.0.0.1 cannot be reached: ")),
+                 qPrintable(problem));
         QVERIFY(StoreRecipe(TestRecipe(QStringLiteral("After")), 0, false));
         QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM RECIPE")), 2);
     }
