@@ -9,6 +9,7 @@
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"
 #include "support/testsupport.h"
+#include "support/transferrecipes.h"
 #include "transfer/ctransfer.h"
 #include "transfer/transfercommands.h"
 
@@ -16,46 +17,6 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
-
-namespace {
-
-RecipeData recipe(const QString &title, int ingredients = 2, int directions = 1)
-{
-    QStringList lines, steps;
-    for (int i = 1; i <= ingredients; ++i)
-        lines << QStringLiteral("%1|cups|onions, sliced %1|onion").arg(i);
-    for (int i = 1; i <= directions; ++i)
-        steps << QStringLiteral("Step %1.").arg(i);
-    RecipeData r = TestRecipe(title, lines, steps);
-    r.servings = QStringLiteral("4");
-    r.category = QStringLiteral("Soup");
-    r.prepTime = QStringLiteral("00:15");
-    r.cookTime = QStringLiteral("00:40");
-    r.rating = QStringLiteral("3");
-    return r;
-}
-
-// Stores the recipe under the next identifier and answers it in the search window's form.
-QString store(const RecipeData &r)
-{
-    return SevenDigits(StoreTestRecipe(r));
-}
-
-QString describe(qint32 id)
-{
-    return Describe(LoadRecipe(id));
-}
-
-QStringList titlesFrom(qint32 firstId)
-{
-    QStringList titles;
-    for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT title FROM RECIPE WHERE id >= %1 ORDER BY id").arg(firstId));
-         rs && !rs.eof(); rs.MoveNext())
-        titles << rs.text(0);
-    return titles;
-}
-
-} // namespace
 
 class TestTransfer : public SessionTest
 {
@@ -107,8 +68,8 @@ private Q_SLOTS:
 
     void exportCommandChoosesInTheSearchWindow()
     {
-        store(recipe(QStringLiteral("One")));
-        store(recipe(QStringLiteral("Two")));
+        store(TransferRecipe(QStringLiteral("One")));
+        store(TransferRecipe(QStringLiteral("Two")));
         WriteFile(m_file, "[Imported]\nFlag=True\n");
         m_boxes->onModal([](QDialog *dialog) {
             auto *search = static_cast<frmSearch *>(dialog);
@@ -126,7 +87,8 @@ private Q_SLOTS:
 
     void importAddsEveryRecipeUnderNewIdsAndAsksTheSecondTime()
     {
-        const QStringList ids {store(recipe(QStringLiteral("One"))), store(recipe(QStringLiteral("Two"), 3, 2))};
+        const QStringList ids {store(TransferRecipe(QStringLiteral("One"))),
+                               store(TransferRecipe(QStringLiteral("Two"), 3, 2))};
         exportRecipes(ids);
         m_boxes->clear();
         ExecuteSQL(QStringLiteral("DELETE * FROM CABINET")); // the import puts the names back
@@ -190,7 +152,8 @@ private Q_SLOTS:
 
     void cancelledExportWritesNothing()
     {
-        const QStringList ids {store(recipe(QStringLiteral("One"))), store(recipe(QStringLiteral("Two")))};
+        const QStringList ids {store(TransferRecipe(QStringLiteral("One"))),
+                               store(TransferRecipe(QStringLiteral("Two")))};
         WriteFile(m_file, "[ID]\nMax=0\n");
         QTimer::singleShot(0, [] { QTest::mouseClick(StatusWindow()->cmdCancel, Qt::LeftButton); });
         exportRecipes(ids);

@@ -5,50 +5,11 @@
 #include "core/platform/modini.h"
 #include "recipes/reciperepository.h"
 #include "support/testhome.h"
+#include "support/transferrecipes.h"
 #include "transfer/transferfile.h"
 
 #include <QRandomGenerator>
 #include <QTest>
-
-namespace {
-
-RecipeData recipe(const QString &title, int ingredients = 2, int directions = 1)
-{
-    QStringList lines, steps;
-    for (int i = 1; i <= ingredients; ++i)
-        lines << QStringLiteral("%1|cups|onions, sliced %1|onion").arg(i);
-    for (int i = 1; i <= directions; ++i)
-        steps << QStringLiteral("Step %1.").arg(i);
-    RecipeData r = TestRecipe(title, lines, steps);
-    r.servings = QStringLiteral("4");
-    r.category = QStringLiteral("Soup");
-    r.prepTime = QStringLiteral("00:15");
-    r.cookTime = QStringLiteral("00:40");
-    r.rating = QStringLiteral("3");
-    return r;
-}
-
-// Stores the recipe under the next identifier and answers it in the search window's form.
-QString store(const RecipeData &r)
-{
-    return SevenDigits(StoreTestRecipe(r));
-}
-
-QString describe(qint32 id)
-{
-    return Describe(LoadRecipe(id));
-}
-
-QStringList titlesFrom(qint32 firstId)
-{
-    QStringList titles;
-    for (Recordset rs = ExecuteSQL(QStringLiteral("SELECT title FROM RECIPE WHERE id >= %1 ORDER BY id").arg(firstId));
-         rs && !rs.eof(); rs.MoveNext())
-        titles << rs.text(0);
-    return titles;
-}
-
-} // namespace
 
 class TestTransferFile : public CoreSessionTest
 {
@@ -96,9 +57,9 @@ private Q_SLOTS:
 
     void exportAppendsSectionsAfterMax()
     {
-        const QString soup = store(recipe(QStringLiteral("Onion soup")));
-        const QString bare = store(recipe(QStringLiteral("Bare"), 0, 0));
-        const QString third = store(recipe(QStringLiteral("Third"), 1, 0));
+        const QString soup = store(TransferRecipe(QStringLiteral("Onion soup")));
+        const QString bare = store(TransferRecipe(QStringLiteral("Bare"), 0, 0));
+        const QString third = store(TransferRecipe(QStringLiteral("Third"), 1, 0));
         exportRecipes({soup, bare});
         const QString fields = QStringLiteral("Servings=4\nType=F\nCategory=Soup\nTitle=%1\nPrepTime=00:15\n"
                                               "CookTime=00:40\nNotes=\nRating=3\n");
@@ -152,7 +113,7 @@ private Q_SLOTS:
         auto pick = [&random](const QStringList &from) { return from[random.bounded(int(from.size()))]; };
         QStringList ids;
         for (int i = 0; i < 200; ++i) {
-            RecipeData r = recipe(pick(texts), random.bounded(6), random.bounded(5));
+            RecipeData r = TransferRecipe(pick(texts), random.bounded(6), random.bounded(5));
             r.category = pick(texts);
             r.notes = pick(texts);
             r.rating = pick(texts);
