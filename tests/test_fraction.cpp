@@ -2,10 +2,12 @@
 
 #include "core/platform/platform.h"
 #include "quantities/cfraction.h"
+#include "core/platform/modini.h"
 #include "quantities/measures.h"
 #include "support/testhome.h"
 
 #include <QRandomGenerator>
+#include <QTemporaryDir>
 #include <QTest>
 #include <numeric>
 
@@ -116,6 +118,21 @@ private Q_SLOTS:
         QCOMPARE(shownFlour("7/16", "cup", MeasureSystem::Metric), QStringLiteral("55 g"));
         QCOMPARE(shownFlour("250", "g", MeasureSystem::US), QStringLiteral("2 cup"));
         QCOMPARE(shownFlour("1", "kg", MeasureSystem::Metric), QString()); // already as the cook weighs it
+        // The household's own units, from its list: a stick is 8 Tbsp; a name the table knows
+        // keeps its meaning, and an entry that names no unit is left out.
+        QTemporaryDir dir;
+        const QString ini = dir.filePath(QStringLiteral("pantrio.ini"));
+        WriteIniValue(ini, QStringLiteral("Units"), QStringLiteral("01=stick = 8 Tbsp"));
+        WriteIniValue(ini, QStringLiteral("Units"), QStringLiteral("02=cup = 1 tsp"));
+        WriteIniValue(ini, QStringLiteral("Units"), QStringLiteral("03=handful = some"));
+        LoadHouseholdUnits(ini);
+        QCOMPARE(combined({{"1", "stick"}, {"2", "Tbsp"}}), QStringLiteral("5/8 cup"));
+        QCOMPARE(combined({{"1", "cup"}, {"1", "cup"}}), QStringLiteral("2 cup"));
+        QVERIFY(!IsUnitAmount(QStringLiteral("1"), QStringLiteral("handful")));
+        QCOMPARE(ConvertAmount(QStringLiteral("2"), QStringLiteral("sticks"), MeasureSystem::Metric)->amount,
+                 QStringLiteral("237"));
+        LoadHouseholdUnits(dir.filePath(QStringLiteral("none.ini")));
+        QVERIFY(!IsUnitAmount(QStringLiteral("1"), QStringLiteral("stick")));
         const auto annotated = [](const char *text, MeasureSystem system) {
             return AnnotateTemperatures(QString::fromUtf8(text), system);
         };

@@ -138,7 +138,7 @@ private Q_SLOTS:
         frmMaint w;
         w.show();
         SaveScreenshot(&w, QStringLiteral("frmMaint"));
-        QCOMPARE(w.cboSection->count(), 10);
+        QCOMPARE(w.cboSection->count(), 11);
         QCOMPARE(w.cboSection->itemText(9), QStringLiteral("Rating"));
         QCOMPARE(w.lvwEntries->topLevelItem(1)->text(0), QStringLiteral("01=Appetizers"));
         w.lvwEntries->setCurrentItem(w.lvwEntries->topLevelItem(1));

@@ -155,6 +155,8 @@ void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
         heading(printer, QStringLiteral("Needed Ingredient Amounts for ") + nodeText + u':');
         const int b = gSettings.BaseFontSize;
         const Densities densities = gSettings.CombineMeasures ? Densities::fromSettings(IniPath()) : Densities();
+        if (gSettings.CombineMeasures)
+            LoadHouseholdUnits(IniPath());
         for (qsizetype first = 0; first < rows.size();) {
             const QString item = rows[first].cabinet;
             const QString upper = item.toUpper();

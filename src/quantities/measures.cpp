@@ -109,8 +109,37 @@ const QHash<QString, Unit> &units()
     return table;
 }
 
-// The unit a household's measure names: "Tbsp", "T", "tablespoons", "c.", "cup(s)".
-std::optional<Unit> unitOf(QString measure)
+std::optional<Unit> builtInUnit(QString measure);
+
+// The household's own units, "stick = 8 Tbsp", kept by LoadHouseholdUnits.
+struct HouseholdUnits {
+    QStringList lines; // as last read
+    QHash<QString, Unit> units; // by name in lower case
+};
+HouseholdUnits &householdUnits()
+{
+    static HouseholdUnits kept;
+    return kept;
+}
+
+// The unit a household's measure names: "Tbsp", "T", "tablespoons", "c.", "cup(s)", or one of
+// the household's own.
+std::optional<Unit> unitOf(const QString &measure)
+{
+    if (std::optional<Unit> unit = builtInUnit(measure))
+        return unit;
+    const QHash<QString, Unit> &own = householdUnits().units;
+    if (own.isEmpty())
+        return std::nullopt;
+    const QString name = measure.toLower().remove(u'.').remove(QStringLiteral("(s)")).simplified();
+    for (const QString &form : {name, name.chopped(name.endsWith(u's') ? 1 : 0)}) {
+        if (const auto it = own.constFind(form); it != own.cend())
+            return *it;
+    }
+    return std::nullopt;
+}
+
+std::optional<Unit> builtInUnit(QString measure)
 {
     measure = measure.trimmed();
     if (measure == u"T")
@@ -357,4 +386,28 @@ QString Densities::text(std::optional<Exact> gramsPerCup)
     if (!gramsPerCup)
         return {};
     return gramsPerCup->den == 1 ? QString::number(gramsPerCup->num) : QString::number(value(*gramsPerCup), 'g', 10);
+}
+
+void LoadHouseholdUnits(const QString &iniPath)
+{
+    HouseholdUnits &kept = householdUnits();
+    const QStringList lines = GetIniSection(iniPath, QStringLiteral("Units"));
+    if (lines == kept.lines)
+        return;
+    kept.lines = lines;
+    kept.units.clear();
+    // "name = amount unit", the unit one of the table's: "stick = 8 Tbsp", "knob = 15 g".
+    static const QRegularExpression entry(QStringLiteral("^(.+?)\\s*=\\s*(\\d[\\d./ ]*?)\\s*([^\\d\\s].*)$"));
+    for (const QString &line : lines) {
+        const qsizetype at = line.indexOf(u'=');
+        const QRegularExpressionMatch m = entry.match(line.mid(at + 1).trimmed());
+        if (at < 0 || !m.hasMatch())
+            continue;
+        const std::optional<Exact> amount = ParseExactAmount(m.captured(2));
+        const std::optional<Unit> unit = builtInUnit(m.captured(3));
+        const std::optional<Exact> base = amount && unit ? times(*amount, unit->base) : std::nullopt;
+        const QString name = m.captured(1).toLower().simplified();
+        if (base && base->num > 0 && !builtInUnit(name))
+            kept.units.insert(name, Unit {unit->kind, unit->system, *base, unit->shown});
+    }
 }

@@ -43,6 +43,11 @@ struct ShownAmount {
 std::optional<ShownAmount> ConvertAmount(const QString &amount, const QString &measure, MeasureSystem system,
                                          std::optional<Exact> gramsPerCup = std::nullopt);
 
+// Reads the household's own units from the settings file's [Units] list ("stick = 8 Tbsp",
+// "pinch = 1/16 tsp"), for the conversions and sums that follow; read again only when the list
+// changed. A name the table already knows keeps the table's meaning.
+void LoadHouseholdUnits(const QString &iniPath);
+
 // Whether the amount is a number and the measure a known unit: what converts and combines.
 bool IsUnitAmount(const QString &amount, const QString &measure);
 

@@ -30,8 +30,10 @@ ReportSettings HouseholdReportSettings()
     settings.baseFontSize = gSettings.BaseFontSize;
     settings.blankLines = gSettings.BlankLines;
     settings.measures = MeasureSystemFromText(gSettings.ShowMeasures);
-    if (settings.measures != MeasureSystem::AsWritten)
+    if (settings.measures != MeasureSystem::AsWritten) {
         settings.densities = Densities::fromSettings(IniPath());
+        LoadHouseholdUnits(IniPath());
+    }
     return settings;
 }
 

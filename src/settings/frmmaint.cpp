@@ -21,7 +21,9 @@
 namespace {
 
 const char *const kSections[] = {"Category_Food", "Category_Drink", "Category_Other", "Measure_Food", "Measure_Drink",
-                                 "Measure_Other", "Amount_Food",    "Amount_Drink",   "Amount_Other", "Rating"};
+                                 "Measure_Other", "Amount_Food", "Amount_Drink", "Amount_Other", "Rating",
+                                 // The household's own units, beyond the lists: "stick = 8 Tbsp".
+                                 "Units"};
 const QString kDefaultOrder = QStringLiteral("00");
 const QString kInvalidData = QStringLiteral("You must have an order entered and a section selected.");
 const QString kCannotChange = QStringLiteral(
