@@ -3,6 +3,7 @@
 
 #include "cabinet/frmcabinet.h"
 #include "core/shell/frmmain.h"
+#include "core/ui/frmhelp.h"
 #include "menus/frmmenu.h"
 #include "quantities/frmresize.h"
 #include "recipes/frmadd2.h"
@@ -12,6 +13,9 @@
 #include "support/testsupport.h"
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QImage>
+#include <QScopeGuard>
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QComboBox>
@@ -170,11 +174,13 @@ const QList<std::pair<const char *, std::function<std::unique_ptr<QWidget>()>>> 
          r->OrigServings = 4;
          return r;
      }},
-    {"chooser", [] {
+    {"chooser",
+     [] {
          auto chooser = std::make_unique<frmSearch>();
          chooser->SetSelectionMode();
          return chooser;
-     }}};
+     }},
+    {"user manual", [] { return std::make_unique<frmHelp>(); }}};
 
 } // namespace
 
@@ -216,6 +222,38 @@ private Q_SLOTS:
         w->show();
         const QStringList clashes = clashingAccessKeys(w.get());
         QVERIFY2(clashes.isEmpty(), qPrintable(clashes.join(QStringLiteral("; "))));
+        w->hide();
+    }
+
+    // On a dark desktop every window is dark: text boxes and lists on the desktop's own
+    // colours, none forced white.
+    void everyWindowTakesADarkPalette_data() { tabReachesEveryControl_data(); }
+    void everyWindowTakesADarkPalette()
+    {
+        QFETCH(int, window);
+        const QPalette light = QApplication::palette();
+        QPalette dark(QColor(50, 50, 50));
+        dark.setColor(QPalette::Base, QColor(30, 30, 30));
+        dark.setColor(QPalette::Text, Qt::white);
+        dark.setColor(QPalette::WindowText, Qt::white);
+        QApplication::setPalette(dark);
+        const auto restore = qScopeGuard([&] { QApplication::setPalette(light); });
+        std::unique_ptr<QWidget> w = kWindows[window].second();
+        w->show();
+        QVERIFY(QTest::qWaitForWindowExposed(w.get()));
+        QCoreApplication::sendPostedEvents();
+        const QImage shot = w->grab().toImage();
+        QStringList light_;
+        const auto check = [&](QWidget *box, QPoint at) {
+            if (box->isVisible() && qGray(shot.pixel(box->mapTo(w.get(), at))) >= 128)
+                light_ << box->objectName() + u'/' + QLatin1String(box->metaObject()->className());
+        };
+        for (QLineEdit *box : w->findChildren<QLineEdit *>())
+            check(box, box->rect().center());
+        for (QAbstractItemView *list : w->findChildren<QAbstractItemView *>())
+            check(list->viewport(), list->viewport()->rect().bottomRight() - QPoint(3, 3));
+        SaveScreenshot(w.get(), QStringLiteral("dark-") + QLatin1String(QTest::currentDataTag()));
+        QVERIFY2(light_.isEmpty(), qPrintable(light_.join(QStringLiteral(", "))));
         w->hide();
     }
 };
