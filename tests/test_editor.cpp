@@ -126,10 +126,7 @@ private Q_SLOTS:
     void theDesktopsPaletteLightOrDark()
     {
         const QPalette light = QApplication::palette();
-        QPalette dark(QColor(50, 50, 50));
-        dark.setColor(QPalette::Base, QColor(30, 30, 30));
-        dark.setColor(QPalette::Text, Qt::white);
-        dark.setColor(QPalette::WindowText, Qt::white);
+        const QPalette dark = DarkDesktopPalette();
         const auto restore = qScopeGuard([&] { QApplication::setPalette(light); });
         for (const bool isDark : {false, true}) {
             QApplication::setPalette(isDark ? dark : light);

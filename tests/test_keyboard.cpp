@@ -232,10 +232,7 @@ private Q_SLOTS:
     {
         QFETCH(int, window);
         const QPalette light = QApplication::palette();
-        QPalette dark(QColor(50, 50, 50));
-        dark.setColor(QPalette::Base, QColor(30, 30, 30));
-        dark.setColor(QPalette::Text, Qt::white);
-        dark.setColor(QPalette::WindowText, Qt::white);
+        const QPalette dark = DarkDesktopPalette();
         QApplication::setPalette(dark);
         const auto restore = qScopeGuard([&] { QApplication::setPalette(light); });
         std::unique_ptr<QWidget> w = kWindows[window].second();

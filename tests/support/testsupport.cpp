@@ -193,6 +193,15 @@ void ScriptedResponder::wait(double seconds)
         std::exchange(duringWait, nullptr)(); // once: what it starts may wait again
 }
 
+QPalette DarkDesktopPalette()
+{
+    QPalette dark(QColor(50, 50, 50));
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, Qt::white);
+    dark.setColor(QPalette::WindowText, Qt::white);
+    return dark;
+}
+
 void SaveScreenshot(QWidget *widget, const QString &name)
 {
     const QString dir = qEnvironmentVariable("MIREPAN_SCREENSHOTS");

@@ -9,6 +9,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPalette>
 #include <QQueue>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -17,6 +18,7 @@ class QRandomGenerator;
 class QTreeWidget;
 
 #include <functional>
+
 #include <memory>
 
 struct RecordedBox {
@@ -111,6 +113,9 @@ private:
 
 // The texts of a list's column, top to bottom.
 QStringList ColumnTexts(const QTreeWidget *list, int column = 0);
+
+// A dark desktop's palette, for the windows' looks on one.
+QPalette DarkDesktopPalette();
 
 // Saves a picture of the widget under $MIREPAN_SCREENSHOTS (when set) for a look by eye.
 void SaveScreenshot(QWidget *widget, const QString &name);
