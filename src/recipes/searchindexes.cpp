@@ -101,12 +101,19 @@ bool onFile()
     return gConn().isOpen() && gConn().driverName() == u"QSQLITE";
 }
 
+bool serverKeepsAvailability()
+{
+    QSqlQuery q(gConn());
+    return q.exec(QStringLiteral("SELECT to_regclass('cabinet_availability') IS NOT NULL")) && q.next() &&
+           q.value(0).toBool();
+}
+
 bool isKept()
 {
     if (!gNotConnected && gConn().driverName() == u"QPSQL") {
         QSqlQuery q(gConn());
         return q.exec(QStringLiteral("SELECT count(*) FROM pg_indexes WHERE indexname = 'ingredients_trigrams'")) &&
-               q.next() && q.value(0).toInt() > 0;
+               q.next() && q.value(0).toInt() > 0 && serverKeepsAvailability();
     }
     if (!onFile())
         return false;
@@ -117,16 +124,75 @@ bool isKept()
 
 } // namespace
 
-// On a server: trigram indexes of titles and ingredient texts, which its LIKE uses by itself.
-// A server that does not offer them (no pg_trgm, no right to add it) is searched as before.
+// The availability a server keeps, as the file database's triggers keep it. A line reads its
+// item's tick FOR SHARE, so that a tick changed on another computer at the same moment waits
+// for the line's commit (and then counts it), or the line waits for the tick's.
+const char *const kServerKeeping[] = {
+    "CREATE TABLE cabinet_availability (recipe_id integer NOT NULL, type citext NOT NULL, matched integer NOT "
+    "NULL, missing integer NOT NULL, PRIMARY KEY (recipe_id, type))",
+    "CREATE INDEX cabinet_availability_ready ON cabinet_availability (type, missing, recipe_id)",
+    "CREATE FUNCTION cabinet_availability_line() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
+    "IF TG_OP IN ('DELETE', 'UPDATE') THEN "
+    "UPDATE cabinet_availability A SET matched = A.matched - 1, missing = A.missing - (C.available = 0)::int "
+    "FROM cabinet C WHERE C.item = OLD.cabinet AND C.type = A.type AND A.recipe_id = OLD.recipe_id; END IF; "
+    "IF TG_OP IN ('INSERT', 'UPDATE') THEN "
+    "INSERT INTO cabinet_availability (recipe_id, type, matched, missing) SELECT NEW.recipe_id, C.type, 1, "
+    "(C.available = 0)::int FROM cabinet C WHERE C.item = NEW.cabinet FOR SHARE "
+    "ON CONFLICT (recipe_id, type) DO UPDATE SET matched = cabinet_availability.matched + excluded.matched, "
+    "missing = cabinet_availability.missing + excluded.missing; END IF; RETURN NULL; END $$",
+    "CREATE TRIGGER cabinet_availability_line AFTER INSERT OR DELETE OR UPDATE OF recipe_id, cabinet ON ingredients "
+    "FOR EACH ROW EXECUTE FUNCTION cabinet_availability_line()",
+    "CREATE FUNCTION cabinet_availability_item() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
+    "IF TG_OP IN ('DELETE', 'UPDATE') THEN "
+    "UPDATE cabinet_availability A SET matched = A.matched - L.n, missing = A.missing - L.n * (OLD.available = "
+    "0)::int FROM (SELECT recipe_id, count(*)::int AS n FROM ingredients WHERE cabinet = OLD.item GROUP BY "
+    "recipe_id) L WHERE A.recipe_id = L.recipe_id AND A.type = OLD.type; END IF; "
+    "IF TG_OP IN ('INSERT', 'UPDATE') THEN "
+    "INSERT INTO cabinet_availability (recipe_id, type, matched, missing) SELECT recipe_id, NEW.type, count(*), "
+    "count(*) * (NEW.available = 0)::int FROM ingredients WHERE cabinet = NEW.item GROUP BY recipe_id "
+    "ON CONFLICT (recipe_id, type) DO UPDATE SET matched = cabinet_availability.matched + excluded.matched, "
+    "missing = cabinet_availability.missing + excluded.missing; END IF; RETURN NULL; END $$",
+    "CREATE TRIGGER cabinet_availability_item AFTER INSERT OR DELETE OR UPDATE OF item, type, available ON cabinet "
+    "FOR EACH ROW EXECUTE FUNCTION cabinet_availability_item()",
+    // What is stored now.
+    "INSERT INTO cabinet_availability (recipe_id, type, matched, missing) SELECT I.recipe_id, C.type, count(*), "
+    "sum((C.available = 0)::int) FROM ingredients I JOIN cabinet C ON C.item = I.cabinet GROUP BY I.recipe_id, "
+    "C.type",
+};
+
+// Made once for a collection, by whichever computer comes first: the others wait for it.
+bool keepServerAvailability()
+{
+    if (serverKeepsAvailability())
+        return true;
+    QSqlDatabase db = gConn();
+    if (!db.transaction())
+        return false;
+    QSqlQuery q(db);
+    bool made = q.exec(QStringLiteral("SELECT pg_advisory_xact_lock(20261124)"));
+    if (made && !serverKeepsAvailability()) {
+        for (const char *statement : kServerKeeping)
+            made = made && q.exec(QString::fromLatin1(statement));
+    }
+    if (made)
+        return db.commit();
+    db.rollback();
+    return false;
+}
+
+// On a server: trigram indexes of titles and ingredient texts, which its LIKE uses by itself,
+// and the availability kept. A server that does not offer them (no pg_trgm, no right to add
+// it) is searched as before.
 bool keepServerIndexes()
 {
     QSqlQuery q(gConn());
-    return q.exec(QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm")) &&
-           q.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS INGREDIENTS_trigrams ON INGREDIENTS USING gin "
-                                 "((ingredient::text) gin_trgm_ops)")) &&
-           q.exec(QStringLiteral(
-               "CREATE INDEX IF NOT EXISTS RECIPE_title_trigrams ON RECIPE USING gin ((title::text) gin_trgm_ops)"));
+    const bool indexed =
+        q.exec(QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm")) &&
+        q.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS INGREDIENTS_trigrams ON INGREDIENTS USING gin "
+                              "((ingredient::text) gin_trgm_ops)")) &&
+        q.exec(QStringLiteral(
+            "CREATE INDEX IF NOT EXISTS RECIPE_title_trigrams ON RECIPE USING gin ((title::text) gin_trgm_ops)"));
+    return keepServerAvailability() && indexed;
 }
 
 bool KeepSearchIndexes()
@@ -153,8 +219,11 @@ bool KeepSearchIndexes()
 std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType)
 {
     QList<qint32> available;
-    if (!gNotConnected && gConn().driverName() == u"QPSQL") {
-        // A server counts the lines itself and hands over the recipes alone.
+    if (!gNotConnected && gConn().driverName() == u"QPSQL" && serverKeepsAvailability()) {
+        gSQL = QStringLiteral("SELECT recipe_id FROM CABINET_AVAILABILITY WHERE type = '") + recipeType.left(1) +
+               QStringLiteral("' AND missing = 0 AND matched > 0 ORDER BY recipe_id");
+    } else if (!gNotConnected && gConn().driverName() == u"QPSQL") {
+        // A server without it counts the lines itself and hands over the recipes alone.
         gSQL = QStringLiteral("SELECT A.recipe_id FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item AND "
                               "B.type = '") +
                recipeType.left(1) +
