@@ -1,5 +1,7 @@
 // A collection of 30,000 MealMaster recipes (8 to 12 ingredient lines and 6 direction
-// paragraphs each) imported into a fresh database, then searched as the household would.
+// paragraphs each) imported into a fresh database, then searched as the household would; and
+// the imports of 30,000 and 150,000 recipes each in a process of its own, for the growth of
+// their time and memory.
 
 #include "benchdata.h"
 
@@ -20,7 +22,7 @@ namespace {
 constexpr int kRecipes = 30000;
 
 // Writes the collection line by line, as MealMaster itself lays it out.
-void generateCollection(const QString &path)
+void generateCollection(const QString &path, int recipes = kRecipes)
 {
     static const char *const kItems[] = {"Flour, all-purpose",
                                          "Sugar",
@@ -47,7 +49,7 @@ void generateCollection(const QString &path)
     if (!file.open(QIODevice::WriteOnly))
         qFatal("cannot write the collection");
     QByteArray out;
-    for (int i = 1; i <= kRecipes; ++i) {
+    for (int i = 1; i <= recipes; ++i) {
         out += "MMMMM----- Recipe via Meal-Master (tm) v8.05\n\n      Title: ";
         out += (i % 7 ? "Pie " : "Chicken stew ") + QByteArray::number(i);
         out += "\n Categories: Desserts, Pies\n      Yield: 6 servings\n\n";
@@ -81,9 +83,26 @@ void generateCollection(const QString &path)
 
 } // namespace
 
+// "--import N": one import of N recipes into a fresh database; prints its time and the
+// process's peak memory.
+int importOnce(int recipes)
+{
+    const QString collection = QDir::temp().filePath(QStringLiteral("mirepan-bench-%1.mmf").arg(recipes));
+    generateCollection(collection, recipes);
+    const double before = ProcessMiB("VmRSS:");
+    BenchHome home(0);
+    int imported = 0;
+    const double ms = TimedMs([&] { imported = ImportMealMasterFiles({collection}).imported; });
+    QFile::remove(collection);
+    std::printf("import: %.1f\nrss: %.1f\nbefore: %.1f\n", ms, ProcessMiB("VmHWM:"), before);
+    return imported == recipes ? 0 : 1;
+}
+
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
+    if (argc == 3 && qstrcmp(argv[1], "--import") == 0)
+        return importOnce(QString::fromLatin1(argv[2]).toInt());
     const QString collection = QDir::temp().filePath(QStringLiteral("mirepan-bench-collection.mmf"));
     generateCollection(collection);
     QList<double> imports;
@@ -115,5 +134,13 @@ int main(int argc, char *argv[])
         search.close();
     }
     QFile::remove(collection);
+    // The growth: each size imported once, in a process of its own.
+    const QHash<QByteArray, double> small = RunChildFigures({QStringLiteral("--import"), QStringLiteral("30000")});
+    const QHash<QByteArray, double> large = RunChildFigures({QStringLiteral("--import"), QStringLiteral("150000")});
+    PrintFigure("mealmaster.import_150000.ms", large.value("import"), "ms",
+                qPrintable(QStringLiteral("< %1 ms, 5x the 30,000").arg(5 * small.value("import"), 0, 'f', 0)));
+    PrintFigure("mealmaster.import_peak_rss_30000.mib", small.value("rss"), "MiB");
+    PrintFigure("mealmaster.import_peak_rss_150000.mib", large.value("rss"), "MiB",
+                qPrintable(QStringLiteral("< %1 MiB, the 30,000's + 20%").arg(1.2 * small.value("rss"), 0, 'f', 1)));
     return imported == kRecipes ? 0 : 1;
 }

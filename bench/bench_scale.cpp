@@ -67,16 +67,8 @@ QHash<QByteArray, double> start(const QString &home)
     env.insert(QStringLiteral("MIREPAN_DATASOURCES"), home + QStringLiteral("/datasources.ini"));
     if (!env.contains(QStringLiteral("QT_QPA_PLATFORM")))
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    QProcess child;
-    child.setProcessEnvironment(env);
     const qint64 started = QDateTime::currentMSecsSinceEpoch();
-    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--child")});
-    if (!child.waitForFinished(600000) || child.exitCode() != 0)
-        qFatal("the program's run failed: %s", child.readAllStandardError().constData());
-    QHash<QByteArray, double> figures;
-    for (const QByteArray &line : child.readAllStandardOutput().split('\n'))
-        if (const qsizetype at = line.indexOf(':'); at > 0)
-            figures.insert(line.left(at), line.mid(at + 1).trimmed().toDouble());
+    QHash<QByteArray, double> figures = RunChildFigures({QStringLiteral("--child")}, env);
     figures.insert("startup", figures.value("shown") - double(started));
     return figures;
 }

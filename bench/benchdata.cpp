@@ -15,6 +15,7 @@
 #include <QTemporaryDir>
 
 #include <QFile>
+#include <QProcess>
 #include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -178,6 +179,20 @@ double ProcessMiB(const char *field)
         if (line.startsWith(field))
             return line.mid(qstrlen(field)).trimmed().split(' ').value(0).toDouble() / 1024;
     return 0;
+}
+
+QHash<QByteArray, double> RunChildFigures(const QStringList &arguments, const QProcessEnvironment &environment)
+{
+    QProcess child;
+    child.setProcessEnvironment(environment);
+    child.start(QCoreApplication::applicationFilePath(), arguments);
+    if (!child.waitForFinished(1200000) || child.exitCode() != 0)
+        qFatal("the benchmark's child run failed: %s", child.readAllStandardError().constData());
+    QHash<QByteArray, double> figures;
+    for (const QByteArray &line : child.readAllStandardOutput().split('\n'))
+        if (const qsizetype at = line.indexOf(':'); at > 0)
+            figures.insert(line.left(at), line.mid(at + 1).trimmed().split(' ').value(0).toDouble());
+    return figures;
 }
 
 void PrintFigure(const char *name, double value, const char *unit, const char *goal)

@@ -1,6 +1,8 @@
 #pragma once
 // Realistic recipe databases for the benchmarks.
 
+#include <QHash>
+#include <QProcessEnvironment>
 #include <QString>
 
 class QWidget;
@@ -30,6 +32,11 @@ private:
 // A figure of the process's memory from /proc/self/status ("VmRSS:", "VmHWM:"), in MiB.
 double ProcessMiB(const char *field);
 void PrintFigure(const char *name, double value, const char *unit, const char *goal = nullptr);
+// Runs this benchmark again as a child with the arguments (and environment) and reads the
+// "name: value" lines it prints; stops the benchmark when the child fails.
+QHash<QByteArray, double>
+RunChildFigures(const QStringList &arguments,
+                const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
 // How long the work takes, in milliseconds.
 double TimedMs(const std::function<void()> &work);
 // The median of a list of samples.

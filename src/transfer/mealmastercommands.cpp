@@ -159,6 +159,7 @@ MealMasterImportResult ImportMealMasterFiles(const QStringList &files)
 {
     MealMasterImportResult result;
     const MeasureCodes codes = householdCodes();
+    const ImportMemoryLimit flat;
     StatusGuard status(QStringLiteral("Importing recipes..."));
     SetStatusMaximum(1000);
     StatusCancel cancel;

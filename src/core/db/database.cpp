@@ -44,6 +44,9 @@ bool onServer(const QSqlDatabase &db)
     return db.driverName() == u"QPSQL";
 }
 
+const QString kMemoryMap = QStringLiteral("PRAGMA mmap_size = 268435456");
+const QString kTempInMemory = QStringLiteral("PRAGMA temp_store = MEMORY");
+
 void prepareConnection(QSqlDatabase &db)
 {
     if (db.driverName() != u"QSQLITE")
@@ -55,9 +58,9 @@ void prepareConnection(QSqlDatabase &db)
     setup.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
     // Searches read every line of every recipe: reading the file through a memory map spares
     // copying each page.
-    setup.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
+    setup.exec(kMemoryMap);
     // A recipe stored inside a larger batch keeps its way back in memory, not in a temporary file.
-    setup.exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
+    setup.exec(kTempInMemory);
     SetLockWait(db, kStatementLockWaitMs);
 }
 
@@ -316,6 +319,26 @@ Recordset ExecuteSQL(const QString &sql)
 {
     QString copy = sql;
     return ExecuteSQL(copy);
+}
+
+ImportMemoryLimit::ImportMemoryLimit()
+{
+    QSqlDatabase db = gConn();
+    if (db.isOpen() && db.driverName() == u"QSQLITE") {
+        QSqlQuery limit(db);
+        limit.exec(QStringLiteral("PRAGMA mmap_size = 0"));
+        limit.exec(QStringLiteral("PRAGMA temp_store = FILE"));
+    }
+}
+
+ImportMemoryLimit::~ImportMemoryLimit()
+{
+    QSqlDatabase db = gConn();
+    if (db.isOpen() && db.driverName() == u"QSQLITE") {
+        QSqlQuery back(db);
+        back.exec(kMemoryMap);
+        back.exec(kTempInMemory);
+    }
 }
 
 void ReportFailedStatement(const QString &statement, const StatementError &error)
