@@ -80,6 +80,19 @@ private Q_SLOTS:
         row("a range", "1-2", "cup", metric, "");
         row("no unit", "1", "pinch", metric, "");
         row("as written", "1", "cup", int(MeasureSystem::AsWritten), "");
+        // Every unit of the shipped table, through its size: one of each, shown in the other system.
+        row("tsp", "1", "tsp", metric, "5 ml");
+        row("fl oz", "1", "fl oz", metric, "30 ml");
+        row("pint", "1", "pint", metric, "473 ml");
+        row("quart", "1", "quart", metric, "946 ml");
+        row("imp quart", "1", "imp quart", metric, "1.1 l");
+        row("imp gallon", "1", "imp gallon", metric, "4.5 l");
+        row("imp fl oz", "1", "imp fl oz", us, "1 7/8 Tbsp");
+        row("cl", "25", "cl", us, "1 cup");
+        row("dl", "1", "dl", us, "3/8 cup");
+        row("mg", "5000", "mg", us, "1/8 oz");
+        row("oz", "1", "oz", metric, "28 g");
+        row("kg", "1", "kg", us, "2 1/4 lb");
     }
     void conversions()
     {

@@ -2,6 +2,7 @@
 
 #include "core/platform/modini.h"
 
+#include <QFile>
 #include <QHash>
 #include <QList>
 #include <QRegularExpression>
@@ -61,52 +62,66 @@ struct Unit {
     Kind kind;
     System system;
     Exact base; // in ml or g
-    const char *shown;
 };
 
-// The defined ratios: a US teaspoon is 1/768 of the 231 cubic inch gallon, an imperial fluid
-// ounce 1/160 of the 4.54609 l gallon, an ounce 0.45359237 kg / 16.
-constexpr Exact kTsp {3943137275, 800000000}; // 4.92892159375 ml
-constexpr Exact kImperialFlOz {2273045, 80000}; // 28.4130625 ml
-constexpr Exact kOz {226796185, 8000000}; // 28.349523125 g
+// An exact decimal or fraction of any length ("4.92892159375", "1/1000").
+std::optional<Exact> exactNumber(const QString &text)
+{
+    static const QRegularExpression number(QStringLiteral("^(\\d{1,18})(?:\\.(\\d{1,17})|/(\\d{1,18}))?$"));
+    const QRegularExpressionMatch m = number.match(text.trimmed());
+    if (!m.hasMatch())
+        return std::nullopt;
+    if (!m.captured(3).isEmpty())
+        return reduced(m.captured(1).toLongLong(), m.captured(3).toLongLong());
+    Wide den = 1;
+    for (qsizetype k = 0; k < m.captured(2).size(); ++k)
+        den *= 10;
+    return reduced(Wide(m.captured(1).toLongLong()) * den + m.captured(2).toLongLong(), den);
+}
 
+// The table of units, shipped as data with the program (units.txt).
 const QHash<QString, Unit> &units()
 {
     static const QHash<QString, Unit> table = [] {
         QHash<QString, Unit> t;
-        const auto add = [&t](std::initializer_list<const char *> names, Unit unit) {
-            for (const char *name : names)
-                t.insert(QLatin1String(name), unit);
-        };
-        const auto us = [](qint64 tsp, const char *shown) {
-            return Unit {Kind::Volume, System::US, Exact {kTsp.num * tsp, kTsp.den}, shown};
-        };
-        add({"tsp", "teaspoon", "ts"}, us(1, "tsp"));
-        add({"tbsp", "tablespoon", "tb", "tbs", "tbl"}, us(3, "Tbsp"));
-        add({"fl oz", "fluid ounce", "fl"}, us(6, "fl oz"));
-        add({"cup", "c"}, us(48, "cup"));
-        add({"pint", "pt"}, us(96, "pint"));
-        add({"quart", "qt"}, us(192, "quart"));
-        add({"gallon", "gal", "ga"}, us(768, "gallon"));
-        const auto imperial = [](qint64 flOz, const char *shown) {
-            return Unit {Kind::Volume, System::Imperial, Exact {kImperialFlOz.num * flOz, kImperialFlOz.den}, shown};
-        };
-        add({"imperial fl oz", "imp fl oz"}, imperial(1, "imp fl oz"));
-        add({"imperial pint", "imp pint"}, imperial(20, "imp pint"));
-        add({"imperial quart", "imp quart"}, imperial(40, "imp quart"));
-        add({"imperial gallon", "imp gallon"}, imperial(160, "imp gallon"));
-        add({"ml", "millilitre", "milliliter"}, {Kind::Volume, System::Metric, {1, 1}, "ml"});
-        add({"cl", "centilitre", "centiliter"}, {Kind::Volume, System::Metric, {10, 1}, "cl"});
-        add({"dl", "decilitre", "deciliter"}, {Kind::Volume, System::Metric, {100, 1}, "dl"});
-        add({"l", "litre", "liter"}, {Kind::Volume, System::Metric, {1000, 1}, "l"});
-        add({"oz", "ounce"}, {Kind::Mass, System::US, kOz, "oz"});
-        add({"lb", "pound", "#"}, {Kind::Mass, System::US, {kOz.num * 16, kOz.den}, "lb"});
-        add({"mg", "milligram"}, {Kind::Mass, System::Metric, {1, 1000}, "mg"});
-        add({"g", "gram", "gr"}, {Kind::Mass, System::Metric, {1, 1}, "g"});
-        add({"kg", "kilogram"}, {Kind::Mass, System::Metric, {1000, 1}, "kg"});
+        // Built into the program: its tests read every line of it.
+        QFile file(QStringLiteral(":/mirepan/units.txt"));
+        file.open(QIODevice::ReadOnly);
+        for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+            const QStringList fields = line.split(u'|');
+            if (line.startsWith(u'#') || fields.size() != 5)
+                continue;
+            const QString shown = fields[0].trimmed();
+            const Kind kind = fields[2].trimmed() == u"mass" ? Kind::Mass : Kind::Volume;
+            const QString system = fields[3].trimmed();
+            // A size in ml or g, or a number of a unit above.
+            const QString size = fields[4].trimmed();
+            const qsizetype blank = size.indexOf(u' ');
+            std::optional<Exact> base = blank < 0 ? exactNumber(size) : exactNumber(size.left(blank));
+            if (base && blank >= 0) {
+                const auto it = t.constFind(size.mid(blank + 1).trimmed().toLower());
+                base = it != t.cend() ? times(*base, it->base) : std::nullopt;
+            }
+            if (!base)
+                continue; // a size that names no unit above: the unit is not known
+            const Unit unit {kind,
+                             system == u"metric"     ? System::Metric
+                             : system == u"imperial" ? System::Imperial
+                                                     : System::US,
+                             *base};
+            t.insert(shown.toLower(), unit);
+            for (const QString &name : fields[1].split(u','))
+                if (!name.trimmed().isEmpty())
+                    t.insert(name.trimmed().toLower(), unit);
+        }
         return t;
     }();
     return table;
+}
+
+Exact sizeOf(const char *name)
+{
+    return units().value(QLatin1String(name)).base;
 }
 
 std::optional<Unit> builtInUnit(QString measure);
@@ -198,11 +213,11 @@ ShownAmount shown(Exact base, Kind kind, System system)
         return {text.section(u' ', 0, 0), text.section(u' ', 1)};
     }
     if (kind == Kind::Mass) {
-        const double oz = x / value(kOz);
+        const double oz = x / value(sizeOf("oz"));
         return oz >= 16 ? ShownAmount {friendly(oz / 16), QStringLiteral("lb")}
                         : ShownAmount {friendly(oz), QStringLiteral("oz")};
     }
-    const double tsp = x / value(kTsp);
+    const double tsp = x / value(sizeOf("tsp"));
     if (tsp >= 12)
         return {friendly(tsp / 48), QStringLiteral("cup")};
     if (tsp >= 3)
@@ -210,17 +225,14 @@ ShownAmount shown(Exact base, Kind kind, System system)
     return {friendly(tsp), QStringLiteral("tsp")};
 }
 
-// One US cup in ml: 48 teaspoons.
-constexpr Exact kCup {kTsp.num * 48, kTsp.den};
-
 // A quantity of one kind in the other, through the item's grams per cup.
 std::optional<Exact> otherKind(Exact base, Kind from, Exact gramsPerCup)
 {
     if (gramsPerCup.num <= 0)
         return std::nullopt;
     // ml * (g per cup) / (ml per cup) = g; g * (ml per cup) / (g per cup) = ml.
-    const std::optional<Exact> ratio = from == Kind::Volume ? times(gramsPerCup, {kCup.den, kCup.num})
-                                                            : times(kCup, {gramsPerCup.den, gramsPerCup.num});
+    const std::optional<Exact> ratio = from == Kind::Volume ? times(gramsPerCup, {sizeOf("cup").den, sizeOf("cup").num})
+                                                            : times(sizeOf("cup"), {gramsPerCup.den, gramsPerCup.num});
     return ratio ? times(base, *ratio) : std::nullopt;
 }
 
@@ -408,6 +420,6 @@ void LoadHouseholdUnits(const QString &iniPath)
         const std::optional<Exact> base = amount && unit ? times(*amount, unit->base) : std::nullopt;
         const QString name = m.captured(1).toLower().simplified();
         if (base && base->num > 0 && !builtInUnit(name))
-            kept.units.insert(name, Unit {unit->kind, unit->system, *base, unit->shown});
+            kept.units.insert(name, Unit {unit->kind, unit->system, *base});
     }
 }

@@ -1,7 +1,8 @@
 #pragma once
 // Amounts in the household's units: the measures the household writes mapped onto a table of
-// units (volume and mass; US customary, imperial and metric), converted exactly and shown as a
-// cook reads them. Recipes keep what was written; conversion is for showing only.
+// units (volume and mass; US customary, imperial and metric; shipped as data in units.txt and
+// extended by the household's own list), converted exactly and shown as a cook reads them.
+// Recipes keep what was written; conversion is for showing only.
 //
 // Inside a system the ratios are exact (3 tsp = 1 Tbsp, 16 Tbsp = 1 cup, 16 oz = 1 lb,
 // 1000 g = 1 kg); between systems they are the defined ones (1 US tsp = 4.92892159375 ml,
