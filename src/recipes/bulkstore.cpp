@@ -9,6 +9,7 @@
 
 #include <QSqlDatabase>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
