@@ -1,6 +1,5 @@
 #include "desktopsession.h"
 
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QVariantMap>
