@@ -224,7 +224,7 @@ bool BulkRecipeStore::verify(QList<Removed> &removed)
             digest.add(steps.text(2));
         }
         if (!found || digest.value() != m_digests[std::size_t(id - m_first)])
-            removed.append({id, title});
+            removed.append({id, title, std::size_t(id - m_first)});
     }
     if (atRecipe == Step::Failed || atLine == Step::Failed || atStep == Step::Failed)
         return false;

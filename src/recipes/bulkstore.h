@@ -28,6 +28,7 @@ public:
     struct Removed {
         qint32 id;
         QString title;
+        std::size_t stored; // its place among the recipes stored, from 0
     };
     // Reads back every recipe stored and removes those that differ from what was meant; false
     // when a statement failed, and the batch with it. On a server, where every recipe took

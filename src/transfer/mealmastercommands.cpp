@@ -80,14 +80,13 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         CabinetNames names; // of the recipes stored, added to the cabinet once
         SearchIndexesBulk counted;
         BulkRecipeStore store;
-        // Where each stored recipe stands in the file, by identifier from the first on.
+        // Where each stored recipe stands in the file, in the order stored.
         struct Source {
             qint64 begin;
             qint64 end;
             int number;
         };
         std::vector<Source> sources;
-        qint32 firstId = 0;
         const auto reject = [&](int number, const QString &title, qint64 begin, qint64 end, const QString &problem) {
             ++result.rejected;
             result.reasons
@@ -99,10 +98,8 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         for (int number = 1; batch.begun() && feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
-                qint32 id = 0;
-                if (store.store(read.recipe, &problem, &id)) {
+                if (store.store(read.recipe, &problem, nullptr)) {
                     names.add(read.recipe);
-                    firstId = firstId ? firstId : id;
                     sources.push_back({read.begin, read.end, number});
                 } else if (problem.isEmpty()) {
                     problem = QStringLiteral("the database refused it");
@@ -124,7 +121,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         if (!store.verify(removed))
             batch.fail();
         for (const BulkRecipeStore::Removed &gone : std::as_const(removed)) {
-            const Source &from = sources[std::size_t(gone.id - firstId)];
+            const Source &from = sources[gone.stored];
             --result.imported;
             reject(from.number, gone.title, from.begin, from.end,
                    QStringLiteral("the database did not keep it as it was read"));
@@ -159,7 +156,7 @@ MealMasterImportResult ImportMealMasterFiles(const QStringList &files)
 {
     MealMasterImportResult result;
     const MeasureCodes codes = householdCodes();
-    const ImportMemoryLimit flat;
+    const LowMemoryWork flat;
     StatusGuard status(QStringLiteral("Importing recipes..."));
     SetStatusMaximum(1000);
     StatusCancel cancel;

@@ -44,9 +44,6 @@ bool onServer(const QSqlDatabase &db)
     return db.driverName() == u"QPSQL";
 }
 
-const QString kMemoryMap = QStringLiteral("PRAGMA mmap_size = 268435456");
-const QString kTempInMemory = QStringLiteral("PRAGMA temp_store = MEMORY");
-
 void prepareConnection(QSqlDatabase &db)
 {
     if (db.driverName() != u"QSQLITE")
@@ -58,9 +55,9 @@ void prepareConnection(QSqlDatabase &db)
     setup.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
     // Searches read every line of every recipe: reading the file through a memory map spares
     // copying each page.
-    setup.exec(kMemoryMap);
+    setup.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
     // A recipe stored inside a larger batch keeps its way back in memory, not in a temporary file.
-    setup.exec(kTempInMemory);
+    setup.exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
     SetLockWait(db, kStatementLockWaitMs);
 }
 
@@ -321,24 +318,30 @@ Recordset ExecuteSQL(const QString &sql)
     return ExecuteSQL(copy);
 }
 
-ImportMemoryLimit::ImportMemoryLimit()
+LowMemoryWork::LowMemoryWork()
 {
     QSqlDatabase db = gConn();
-    if (db.isOpen() && db.driverName() == u"QSQLITE") {
-        QSqlQuery limit(db);
-        limit.exec(QStringLiteral("PRAGMA mmap_size = 0"));
-        limit.exec(QStringLiteral("PRAGMA temp_store = FILE"));
-    }
+    if (!db.isOpen() || db.driverName() != u"QSQLITE")
+        return;
+    QSqlQuery q(db);
+    const auto current = [&q](const QString &pragma) {
+        return q.exec(QStringLiteral("PRAGMA ") + pragma) && q.next() ? q.value(0).toString() : QString();
+    };
+    m_mmapSize = current(QStringLiteral("mmap_size"));
+    m_tempStore = current(QStringLiteral("temp_store"));
+    q.exec(QStringLiteral("PRAGMA mmap_size = 0"));
+    q.exec(QStringLiteral("PRAGMA temp_store = FILE"));
 }
 
-ImportMemoryLimit::~ImportMemoryLimit()
+LowMemoryWork::~LowMemoryWork()
 {
     QSqlDatabase db = gConn();
-    if (db.isOpen() && db.driverName() == u"QSQLITE") {
-        QSqlQuery back(db);
-        back.exec(kMemoryMap);
-        back.exec(kTempInMemory);
-    }
+    if (m_mmapSize.isEmpty() || !db.isOpen() || db.driverName() != u"QSQLITE")
+        return;
+    QSqlQuery back(db);
+    back.exec(QStringLiteral("PRAGMA mmap_size = ") + m_mmapSize);
+    if (!m_tempStore.isEmpty())
+        back.exec(QStringLiteral("PRAGMA temp_store = ") + m_tempStore);
 }
 
 void ReportFailedStatement(const QString &statement, const StatementError &error)

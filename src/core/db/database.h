@@ -94,16 +94,22 @@ private:
     QString m_failure;
 };
 
-// While it lives, the file database reads through its own page cache instead of a memory map
-// of the file, and sorts in temporary files instead of memory: an import of 150,000 recipes,
-// which reads back and counts all it stored, then needs no more memory than one of 30,000.
-class ImportMemoryLimit
+// While it lives, the file database works in little memory: it reads through its own page
+// cache instead of a memory map of the file, and sorts and rewrites in temporary files instead
+// of memory. An import of 150,000 recipes, which reads back and counts all it stored, then needs
+// no more memory than one of 30,000; the rewrite in order copies the file on disk; and a check
+// that read every page lets go of their mapping at its end. What it found is put back.
+class LowMemoryWork
 {
 public:
-    ImportMemoryLimit();
-    ~ImportMemoryLimit();
-    ImportMemoryLimit(const ImportMemoryLimit &) = delete;
-    ImportMemoryLimit &operator=(const ImportMemoryLimit &) = delete;
+    LowMemoryWork();
+    ~LowMemoryWork();
+    LowMemoryWork(const LowMemoryWork &) = delete;
+    LowMemoryWork &operator=(const LowMemoryWork &) = delete;
+
+private:
+    QString m_mmapSize; // as found; empty on another engine
+    QString m_tempStore;
 };
 
 // While it lives, the failed statements' messages are gathered here instead of shown a box

@@ -58,9 +58,6 @@ bool CompactDatabase()
     gRS = Recordset();
     ReleaseCachedStatements();
     // The rewrite goes through a temporary copy of the whole file: on disk, not in memory.
-    QSqlQuery query(gConn());
-    query.exec(QStringLiteral("PRAGMA temp_store = FILE"));
-    const bool done = query.exec(QStringLiteral("VACUUM"));
-    query.exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
-    return done;
+    const LowMemoryWork onDisk;
+    return QSqlQuery(gConn()).exec(QStringLiteral("VACUUM"));
 }

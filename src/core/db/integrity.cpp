@@ -27,8 +27,9 @@ QString CheckDatabaseIntegrity()
     check.finish();
     // The check read every page through the file's mapping: let go of them, so the program's
     // memory stays what its windows need.
-    check.exec(QStringLiteral("PRAGMA mmap_size = 0"));
-    check.exec(QStringLiteral("PRAGMA mmap_size = 268435456"));
+    {
+        const LowMemoryWork release;
+    }
     return verdict == u"ok" ? QString() : verdict;
 }
 
