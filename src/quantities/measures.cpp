@@ -124,7 +124,29 @@ Exact sizeOf(const char *name)
     return units().value(QLatin1String(name)).base;
 }
 
-std::optional<Unit> builtInUnit(QString measure);
+// The unit of a table that a measure names, written as recipes write it: any case, with or
+// without a full stop, "(s)" or a plural ending ("Tbsp.", "cup(s)", "tablespoons", "inches").
+std::optional<Unit> lookUp(const QHash<QString, Unit> &table, const QString &measure)
+{
+    const QString name = QString(measure).toLower().remove(u'.').remove(QStringLiteral("(s)")).simplified();
+    for (const QString &form :
+         {name, name.chopped(name.endsWith(u's') ? 1 : 0), name.chopped(name.endsWith(QLatin1String("es")) ? 2 : 0)}) {
+        if (const auto it = table.constFind(form); it != table.cend())
+            return *it;
+    }
+    return std::nullopt;
+}
+
+// A unit of the shipped table; "T" and "t" are the tablespoon and the teaspoon.
+std::optional<Unit> builtInUnit(const QString &measure)
+{
+    const QString trimmed = measure.trimmed();
+    if (trimmed == u"T")
+        return units().value(QStringLiteral("tbsp"));
+    if (trimmed == u"t")
+        return units().value(QStringLiteral("tsp"));
+    return lookUp(units(), trimmed);
+}
 
 // The household's own units, "stick = 8 Tbsp", kept by LoadHouseholdUnits.
 struct HouseholdUnits {
@@ -137,37 +159,12 @@ HouseholdUnits &householdUnits()
     return kept;
 }
 
-// The unit a household's measure names: "Tbsp", "T", "tablespoons", "c.", "cup(s)", or one of
-// the household's own.
+// The unit a household's measure names: one of the table's, or one of the household's own.
 std::optional<Unit> unitOf(const QString &measure)
 {
     if (std::optional<Unit> unit = builtInUnit(measure))
         return unit;
-    const QHash<QString, Unit> &own = householdUnits().units;
-    if (own.isEmpty())
-        return std::nullopt;
-    const QString name = measure.toLower().remove(u'.').remove(QStringLiteral("(s)")).simplified();
-    for (const QString &form : {name, name.chopped(name.endsWith(u's') ? 1 : 0)}) {
-        if (const auto it = own.constFind(form); it != own.cend())
-            return *it;
-    }
-    return std::nullopt;
-}
-
-std::optional<Unit> builtInUnit(QString measure)
-{
-    measure = measure.trimmed();
-    if (measure == u"T")
-        return units().value(QStringLiteral("tbsp"));
-    if (measure == u"t")
-        return units().value(QStringLiteral("tsp"));
-    measure = measure.toLower().remove(u'.').remove(QStringLiteral("(s)")).simplified();
-    for (const QString &name : {measure, measure.chopped(measure.endsWith(u's') ? 1 : 0),
-                                measure.chopped(measure.endsWith(QLatin1String("es")) ? 2 : 0)}) {
-        if (const auto it = units().constFind(name); it != units().cend())
-            return *it;
-    }
-    return std::nullopt;
+    return lookUp(householdUnits().units, measure);
 }
 
 // A number as a cook reads it: the whole part and the nearest of the common fractions.
