@@ -8,25 +8,30 @@
 #include "core/db/statementrunner.h"
 
 #include <QSqlDatabase>
+#include <QStringEncoder>
 
 #include <algorithm>
 #include <memory>
 
 namespace {
 
-// FNV-1a over the texts' UTF-16 units, each text led by its length so that no two different
-// recipes spell the same sequence.
+// Recipes written at a time: each table's pages of five hundred recipes lie together, and what
+// waits stays a megabyte or two.
+constexpr std::size_t kWrittenTogether = 500;
+
+// FNV-1a over the texts' UTF-8 bytes, each text led by its length so that no two different
+// recipes spell the same sequence. Never 0, which marks a recipe read back already.
 class Digest
 {
 public:
     void add(qint64 number) { mix(quint64(number)); }
-    void add(QStringView text)
+    void add(QByteArrayView text)
     {
         mix(quint64(text.size()));
-        for (const QChar c : text)
-            mix(c.unicode());
+        for (const char c : text)
+            mix(static_cast<unsigned char>(c));
     }
-    quint64 value() const { return m_value; }
+    quint64 value() const { return m_value == 0 ? 1 : m_value; }
 
 private:
     void mix(quint64 unit)
@@ -51,6 +56,19 @@ bool plainNumber(const QString &text)
            std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
+// Line numbers that the table's key takes one after the other: each larger than the last.
+template<typename Lines, typename Number>
+bool rising(const Lines &lines, Number number)
+{
+    qint64 last = 0;
+    for (const auto &line : lines) {
+        if (!plainNumber(number(line)) || number(line).toLongLong() <= last)
+            return false;
+        last = number(line).toLongLong();
+    }
+    return true;
+}
+
 bool bindable(const RecipeData &r)
 {
     for (const QString *text :
@@ -59,13 +77,14 @@ bool bindable(const RecipeData &r)
             return false;
     }
     for (const IngredientLine &line : r.ingredients) {
-        if (!plainNumber(line.number) || !carriedAsWritten(line.amount) || !carriedAsWritten(line.measure) ||
-            !carriedAsWritten(line.ingredient) || !carriedAsWritten(line.cabinet))
+        if (!carriedAsWritten(line.amount) || !carriedAsWritten(line.measure) || !carriedAsWritten(line.ingredient) ||
+            !carriedAsWritten(line.cabinet))
             return false;
     }
-    return std::all_of(r.directions.begin(), r.directions.end(), [](const DirectionLine &line) {
-        return plainNumber(line.step) && carriedAsWritten(line.direction);
-    });
+    return rising(r.ingredients, [](const IngredientLine &line) -> const QString & { return line.number; }) &&
+           rising(r.directions, [](const DirectionLine &line) -> const QString & { return line.step; }) &&
+           std::all_of(r.directions.begin(), r.directions.end(),
+                       [](const DirectionLine &line) { return carriedAsWritten(line.direction); });
 }
 
 } // namespace
@@ -91,24 +110,6 @@ bool run(BoundStatement &statement)
 
 } // namespace
 
-quint64 RecipeDigest(const RecipeData &r)
-{
-    Digest digest;
-    digest.add(QStringView(r.recipeType).left(1));
-    for (const QString *text : {&r.servings, &r.category, &r.title, &r.prepTime, &r.cookTime, &r.notes, &r.rating})
-        digest.add(*text);
-    for (const IngredientLine &line : r.ingredients) {
-        digest.add(line.number.toLongLong());
-        for (const QString *text : {&line.amount, &line.measure, &line.ingredient, &line.cabinet})
-            digest.add(*text);
-    }
-    for (const DirectionLine &line : r.directions) {
-        digest.add(line.step.toLongLong());
-        digest.add(line.direction);
-    }
-    return digest.value();
-}
-
 BulkRecipeStore::BulkRecipeStore()
 {
     QSqlDatabase db = gConn();
@@ -123,70 +124,136 @@ BulkRecipeStore::~BulkRecipeStore() = default;
 
 bool BulkRecipeStore::store(const RecipeData &recipe, QString *problem, qint32 *storedId)
 {
-    const qint32 next = m_first == 0 ? 0 : m_first + qint32(m_digests.size());
-    qint32 id = 0;
+    qint32 id = m_first == 0 ? 0 : m_first + qint32(m_digests.size());
     if (m_statements && bindable(recipe)) {
-        id = next != 0 ? next : NextId(QStringLiteral("RECIPE"));
-        if (!bind(recipe, id)) {
-            // What was stored of it goes again; a failure that ends the batch has said why.
-            Statements &s = *m_statements;
-            s.remove.bind(1, id);
-            run(s.remove);
+        if (id == 0)
+            id = NextId(QStringLiteral("RECIPE"));
+        Gathered gathered {id, m_digests.size(), {}, 0, 0};
+        const QString type = recipe.recipeType.left(1);
+        std::size_t field = 0;
+        for (const QString *text : {&type, &recipe.servings, &recipe.category, &recipe.title, &recipe.prepTime,
+                                    &recipe.cookTime, &recipe.notes, &recipe.rating})
+            gathered.fields[field++] = gather(*text);
+        const std::size_t firstLine = m_lines.size();
+        for (const IngredientLine &line : recipe.ingredients)
+            m_lines.push_back(
+                {line.number.toLongLong(),
+                 {gather(line.amount), gather(line.measure), gather(line.ingredient), gather(line.cabinet)}});
+        const std::size_t firstStep = m_steps.size();
+        for (const DirectionLine &line : recipe.directions)
+            m_steps.push_back({line.step.toLongLong(), gather(line.direction)});
+        gathered.lines = m_lines.size();
+        gathered.steps = m_steps.size();
+        m_digests.push_back(digest(gathered, firstLine, firstStep));
+        m_recipes.push_back(gathered);
+        if (m_recipes.size() == kWrittenTogether && !write()) {
             if (problem)
                 *problem = QString();
             return false;
         }
-    } else if (!StoreRecipe(recipe, 0, false, problem, &id, false)) {
-        return false;
+    } else {
+        // Under the identifier that comes next, the gathered recipes' own not yet written.
+        if (!StoreRecipe(recipe, id, false, problem, &id, false))
+            return false;
+        m_digests.push_back(0);
     }
     if (m_first == 0)
         m_first = id;
-    m_digests.push_back(RecipeDigest(recipe));
     if (storedId)
         *storedId = id;
     return true;
 }
 
-bool BulkRecipeStore::bind(const RecipeData &r, qint32 id)
+BulkRecipeStore::Text BulkRecipeStore::gather(QStringView text)
+{
+    QStringEncoder utf8(QStringEncoder::Utf8);
+    const qsizetype at = m_texts.size();
+    m_texts.resize(at + utf8.requiredSpace(text.size()));
+    char *end = utf8.appendToBuffer(m_texts.data() + at, text);
+    m_texts.truncate(end - m_texts.constData());
+    return {at, m_texts.size() - at};
+}
+
+quint64 BulkRecipeStore::digest(const Gathered &recipe, std::size_t firstLine, std::size_t firstStep) const
+{
+    Digest digest;
+    for (const Text &text : recipe.fields)
+        digest.add(bytes(text));
+    for (std::size_t i = firstLine; i < recipe.lines; ++i) {
+        digest.add(m_lines[i].number);
+        for (const Text &text : m_lines[i].fields)
+            digest.add(bytes(text));
+    }
+    for (std::size_t i = firstStep; i < recipe.steps; ++i) {
+        digest.add(m_steps[i].number);
+        digest.add(bytes(m_steps[i].direction));
+    }
+    return digest.value();
+}
+
+bool BulkRecipeStore::write()
 {
     Statements &s = *m_statements;
-    const QString type = r.recipeType.left(1);
-    s.recipe.bind(1, id);
-    s.recipe.bind(2, r.servings);
-    s.recipe.bind(3, type);
-    s.recipe.bind(4, r.category);
-    s.recipe.bind(5, r.title);
-    s.recipe.bind(6, r.prepTime);
-    s.recipe.bind(7, r.cookTime);
-    s.recipe.bind(8, r.notes);
-    s.recipe.bind(9, r.rating);
-    if (!run(s.recipe))
-        return false;
-    for (const IngredientLine &line : r.ingredients) {
-        s.line.bind(1, id);
-        s.line.bind(2, line.number.toLongLong());
-        s.line.bind(3, line.amount);
-        s.line.bind(4, line.measure);
-        s.line.bind(5, line.ingredient);
-        s.line.bind(6, line.cabinet);
-        if (!run(s.line))
+    // Table by table, so that each table's new pages follow one another. A recipe the engine
+    // refuses goes again whole and is named.
+    std::vector<bool> refused(m_recipes.size());
+    const auto refuse = [&](std::size_t i) {
+        if (!BatchIsOpen())
+            return false; // the batch failed and has said why
+        const Gathered &recipe = m_recipes[i];
+        s.remove.bind(1, recipe.id);
+        run(s.remove);
+        refused[i] = true;
+        m_digests[recipe.stored] = 0;
+        m_refused.append({recipe.id, QString::fromUtf8(bytes(recipe.fields[3])), recipe.stored,
+                          QStringLiteral("the database refused it")});
+        return true;
+    };
+    for (std::size_t i = 0; i < m_recipes.size(); ++i) {
+        const Gathered &r = m_recipes[i];
+        s.recipe.bind(1, r.id);
+        s.recipe.bind(2, bytes(r.fields[1]));
+        s.recipe.bind(3, bytes(r.fields[0]));
+        for (int field = 2; field < 8; ++field)
+            s.recipe.bind(field + 2, bytes(r.fields[field]));
+        if (!run(s.recipe) && !refuse(i))
             return false;
     }
-    for (const DirectionLine &line : r.directions) {
-        s.step.bind(1, id);
-        s.step.bind(2, line.step.toLongLong());
-        s.step.bind(3, line.direction);
-        if (!run(s.step))
-            return false;
+    std::size_t line = 0;
+    for (std::size_t i = 0; i < m_recipes.size(); line = m_recipes[i++].lines) {
+        for (; !refused[i] && line < m_recipes[i].lines; ++line) {
+            s.line.bind(1, m_recipes[i].id);
+            s.line.bind(2, m_lines[line].number);
+            for (int field = 0; field < 4; ++field)
+                s.line.bind(field + 3, bytes(m_lines[line].fields[field]));
+            if (!run(s.line) && !refuse(i))
+                return false;
+        }
     }
+    std::size_t step = 0;
+    for (std::size_t i = 0; i < m_recipes.size(); step = m_recipes[i++].steps) {
+        for (; !refused[i] && step < m_recipes[i].steps; ++step) {
+            s.step.bind(1, m_recipes[i].id);
+            s.step.bind(2, m_steps[step].number);
+            s.step.bind(3, bytes(m_steps[step].direction));
+            if (!run(s.step) && !refuse(i))
+                return false;
+        }
+    }
+    m_recipes.clear();
+    m_lines.clear();
+    m_steps.clear();
+    m_texts.clear();
     return true;
 }
 
 bool BulkRecipeStore::verify(QList<Removed> &removed)
 {
-    // Recipes stored by statements were each read back as they were stored.
     if (!m_statements || m_digests.empty())
         return true;
+    if (!write())
+        return false;
+    removed = std::exchange(m_refused, {}); // gone already
     const qint32 last = m_first + qint32(m_digests.size()) - 1;
     BoundStatement recipes("SELECT id, type, servings, category, title, prep_time, cook_time, notes, rating "
                            "FROM RECIPE WHERE id BETWEEN ? AND ? ORDER BY id");
@@ -204,34 +271,39 @@ bool BulkRecipeStore::verify(QList<Removed> &removed)
     Step atRecipe = recipes.step();
     Step atLine = lines.step();
     Step atStep = steps.step();
+    const qsizetype refused = removed.size();
     for (qint32 id = m_first; id <= last; ++id) {
         Digest digest;
         QString title;
         const bool found = atRecipe == Step::Row && recipes.integer(0) == id;
         if (found) {
             for (int column = 1; column <= 8; ++column)
-                digest.add(recipes.text(column));
-            title = recipes.text(4).toString();
+                digest.add(recipes.bytes(column));
+            title = QString::fromUtf8(recipes.bytes(4));
             atRecipe = recipes.step();
         }
         for (; atLine == Step::Row && lines.integer(0) <= id; atLine = lines.step()) {
             digest.add(lines.integer(1));
             for (int column = 2; column <= 5; ++column)
-                digest.add(lines.text(column));
+                digest.add(lines.bytes(column));
         }
         for (; atStep == Step::Row && steps.integer(0) <= id; atStep = steps.step()) {
             digest.add(steps.integer(1));
-            digest.add(steps.text(2));
+            digest.add(steps.bytes(2));
         }
-        if (!found || digest.value() != m_digests[std::size_t(id - m_first)])
-            removed.append({id, title, std::size_t(id - m_first)});
+        const quint64 meant = m_digests[std::size_t(id - m_first)];
+        if (meant != 0 && (!found || digest.value() != meant))
+            removed.append(
+                {id, title, std::size_t(id - m_first), QStringLiteral("the database did not keep it as it was read")});
     }
     if (atRecipe == Step::Failed || atLine == Step::Failed || atStep == Step::Failed)
         return false;
-    for (const Removed &gone : std::as_const(removed)) {
-        gSQL = QStringLiteral("DELETE * FROM RECIPE WHERE ID = ") + QString::number(gone.id);
+    for (qsizetype i = refused; i < removed.size(); ++i) {
+        gSQL = QStringLiteral("DELETE * FROM RECIPE WHERE ID = ") + QString::number(removed[i].id);
         if (ExecuteSQL(gSQL).failed())
             return false;
     }
+    // Named in the order the file has them.
+    std::sort(removed.begin(), removed.end(), [](const Removed &a, const Removed &b) { return a.stored < b.stored; });
     return true;
 }

@@ -1,11 +1,14 @@
 #pragma once
 // The recipes of a large import stored with statements prepared once and their values bound,
-// on the file database inside the import's batch. What was stored is read back afterwards in
-// one pass and compared with a digest kept per recipe: a recipe stored otherwise than it was
-// read is removed again and named, in the same batch.
+// on the file database inside the import's batch. Recipes are gathered and written five
+// hundred at a time, table by table, so that each table's pages lie together as a rewrite in order
+// would leave them. What was stored is read back afterwards in one pass and compared with a
+// digest kept per recipe: a recipe stored otherwise than it was read is removed again and
+// named, in the same batch.
 
 #include "recipedata.h"
 
+#include <QByteArray>
 #include <QList>
 
 #include <memory>
@@ -19,30 +22,60 @@ public:
     BulkRecipeStore(const BulkRecipeStore &) = delete;
     BulkRecipeStore &operator=(const BulkRecipeStore &) = delete;
 
-    // Stores the recipe under the next free identifier, as StoreRecipe does (its cabinet names
+    // Takes the recipe under the next free identifier, as StoreRecipe does (its cabinet names
     // left to the caller); false, with the problem when one is known, when it was not stored.
     // A recipe the statements would judge otherwise than binding does (an apostrophe in a
-    // text) takes StoreRecipe's way, and so does every recipe on a server.
+    // text, a line number twice) takes StoreRecipe's way at once, and so does every recipe on
+    // a server. A bound recipe is written with the next five hundred, or by verify().
     bool store(const RecipeData &recipe, QString *problem, qint32 *storedId);
 
     struct Removed {
         qint32 id;
         QString title;
         std::size_t stored; // its place among the recipes stored, from 0
+        QString problem;
     };
-    // Reads back every recipe stored and removes those that differ from what was meant; false
-    // when a statement failed, and the batch with it. On a server, where every recipe took
-    // StoreRecipe's way and was read back there, there is nothing more to read.
+    // Writes what is gathered, reads back every recipe stored and removes those that differ
+    // from what was meant; false when a statement failed, and the batch with it. On a server,
+    // where every recipe took StoreRecipe's way and was read back there, there is nothing more
+    // to read.
     bool verify(QList<Removed> &removed);
 
 private:
     struct Statements;
-    bool bind(const RecipeData &recipe, qint32 id);
+    struct Text {
+        qsizetype at;
+        qsizetype size;
+    };
+    struct Gathered {
+        qint32 id;
+        std::size_t stored;
+        Text fields[8]; // type, servings, category, title, prep and cook times, notes, rating
+        std::size_t lines; // its lines and steps end there
+        std::size_t steps;
+    };
+    struct Line {
+        qint64 number;
+        Text fields[4]; // amount, measure, ingredient, cabinet
+    };
+    struct Step {
+        qint64 number;
+        Text direction;
+    };
+
+    Text gather(QStringView text);
+    QByteArrayView bytes(Text text) const { return QByteArrayView(m_texts).sliced(text.at, text.size); }
+    quint64 digest(const Gathered &recipe, std::size_t firstLine, std::size_t firstStep) const;
+    bool write();
 
     std::unique_ptr<Statements> m_statements; // on the file database, inside a batch
     qint32 m_first = 0; // the first identifier stored, 0 before
-    std::vector<quint64> m_digests; // by identifier from m_first on
+    // By identifier from m_first on; 0 for a recipe read back already (StoreRecipe's way).
+    std::vector<quint64> m_digests;
+    QList<Removed> m_refused; // by the engine while written
+    // What waits to be written: the texts, UTF-8, one after the other.
+    QByteArray m_texts;
+    std::vector<Gathered> m_recipes;
+    std::vector<Line> m_lines;
+    std::vector<Step> m_steps;
 };
-
-// The digest the bulk store compares: every stored field and line number of the recipe.
-quint64 RecipeDigest(const RecipeData &recipe);

@@ -123,8 +123,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         for (const BulkRecipeStore::Removed &gone : std::as_const(removed)) {
             const Source &from = sources[gone.stored];
             --result.imported;
-            reject(from.number, gone.title, from.begin, from.end,
-                   QStringLiteral("the database did not keep it as it was read"));
+            reject(from.number, gone.title, from.begin, from.end, gone.problem);
         }
         result.reasons << failures.texts();
         // The file's new cabinet names, in the same commit as its recipes.

@@ -32,7 +32,7 @@ private:
     void read(QIODevice &file, const MeasureCodes &codes);
 
     // Enough to keep the storing busy, little enough to hold in memory whatever the file.
-    static constexpr std::size_t kMostAhead = 64;
+    static constexpr std::size_t kMostAhead = 512;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Read> m_ready;

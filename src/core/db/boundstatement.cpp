@@ -27,12 +27,10 @@ void BoundStatement::bind(int position, qint64 value)
     sqlite3_bind_int64(m_statement, position, value);
 }
 
-void BoundStatement::bind(int position, const QString &text)
+void BoundStatement::bind(int position, QByteArrayView utf8)
 {
     // A null pointer would bind NULL: an empty text is bound from an empty literal.
-    static const char16_t empty[] = u"";
-    const void *data = text.isEmpty() ? static_cast<const void *>(empty) : static_cast<const void *>(text.utf16());
-    sqlite3_bind_text16(m_statement, position, data, int(text.size() * 2), SQLITE_STATIC);
+    sqlite3_bind_text(m_statement, position, utf8.isEmpty() ? "" : utf8.data(), int(utf8.size()), SQLITE_STATIC);
 }
 
 BoundStatement::Step BoundStatement::step()
@@ -59,8 +57,8 @@ qint64 BoundStatement::integer(int column) const
     return sqlite3_column_int64(m_statement, column);
 }
 
-QStringView BoundStatement::text(int column) const
+QByteArrayView BoundStatement::bytes(int column) const
 {
-    const auto *data = static_cast<const QChar *>(sqlite3_column_text16(m_statement, column));
-    return {data, sqlite3_column_bytes16(m_statement, column) / 2};
+    const auto *data = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
+    return {data, sqlite3_column_bytes(m_statement, column)};
 }

@@ -3,8 +3,8 @@
 // bound: the bulk path of a large import, where building and parsing a statement text for
 // every row would cost more than storing it.
 
+#include <QByteArrayView>
 #include <QString>
-#include <QStringView>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -22,17 +22,19 @@ public:
     BoundStatement &operator=(const BoundStatement &) = delete;
 
     bool usable() const { return m_statement != nullptr; }
-    // Values by position, from 1. A text must stay unchanged until the statement has run; an
-    // empty text is stored empty, never as NULL.
+    // Values by position, from 1. A text (UTF-8, the encoding the file keeps them in, so the engine
+    // stores the bytes as they are) must stay unchanged until the statement has run; an empty text is
+    // stored empty, never as NULL.
     void bind(int position, qint64 value);
-    void bind(int position, const QString &text);
+    void bind(int position, QByteArrayView utf8);
     // Runs the statement: a row to read, the end, or a failure, told as ExecuteSQL tells its
     // own (inside a batch, a full disk fails the batch).
     Step step();
     // Makes it ready for the next values.
     void reset();
     qint64 integer(int column) const;
-    QStringView text(int column) const;
+    // A text column as the file holds it, valid until the next step.
+    QByteArrayView bytes(int column) const;
 
 private:
     sqlite3 *m_connection = nullptr;

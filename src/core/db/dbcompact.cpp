@@ -17,14 +17,14 @@ bool onSqlite()
     return !gNotConnected && gConn().driverName() == u"QSQLITE";
 }
 
-// Leaf pages in all, and those that do not follow the one before them in their b-tree.
+// The recipe tables' leaf pages in all, and those that do not follow the one before them.
 std::pair<qint64, qint64> leafPages()
 {
     QSqlQuery query(gConn());
     if (!query.exec(
             QStringLiteral("SELECT count(*), count(*) FILTER (WHERE prev IS NOT NULL AND pageno != prev + 1) FROM "
                            "(SELECT pageno, lag(pageno) OVER (PARTITION BY name ORDER BY path) AS prev FROM dbstat "
-                           "WHERE pagetype = 'leaf')")) ||
+                           "WHERE pagetype = 'leaf' AND name IN ('RECIPE', 'INGREDIENTS', 'DIRECTIONS'))")) ||
         !query.next())
         return {0, 0};
     return {query.value(0).toLongLong(), query.value(1).toLongLong()};

@@ -4,10 +4,11 @@
 // after a start then reads the file all over (on a fragmented 30,000-recipe file the first
 // title search took twice as long as on the same file rewritten in order).
 
-// The share of the database's leaf pages that do not follow the page before them in their
-// table or index: under 0.1 for a compact file (interior pages stand between some leaves),
-// towards 1 for a scattered one. 0 when the engine
-// cannot tell (another engine than SQLite, or no connection).
+// The share of the recipe tables' leaf pages that do not follow the page before them in their
+// table: under 0.1 for a compact file (interior pages stand between some leaves), towards 1
+// for a scattered one. Only the tables count, which searches read a recipe after the other;
+// an index is looked up, where its pages lie matters little. 0 when the engine cannot tell
+// (another engine than SQLite, or no connection).
 double DatabaseScatter();
 
 // Rewrites the database in order (the engine's VACUUM, all or nothing) when it is large enough
