@@ -152,8 +152,9 @@ bool BulkRecipeStore::store(const RecipeData &recipe, QString *problem, qint32 *
             return false;
         }
     } else {
-        // Under the identifier that comes next, the gathered recipes' own not yet written.
-        if (!StoreRecipe(recipe, id, false, problem, &id, false))
+        // On the file database, under the identifier that comes next (the gathered recipes' own
+        // are not written yet); on a server, under the highest there is then, as a save takes it.
+        if (!StoreRecipe(recipe, m_statements ? id : 0, false, problem, &id, false))
             return false;
         m_digests.push_back(0);
     }
