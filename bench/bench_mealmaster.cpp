@@ -83,7 +83,8 @@ void generateCollection(const QString &path, int recipes = kRecipes)
 
 } // namespace
 
-// "--import N": one import of N recipes into a fresh database; prints its time and the
+// "--write FILE": the 30,000 recipes written to FILE, to import them into another program side
+// by side. "--import N": one import of N recipes into a fresh database; prints its time and the
 // process's peak memory.
 int importOnce(int recipes)
 {
@@ -103,6 +104,10 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     if (argc == 3 && qstrcmp(argv[1], "--import") == 0)
         return importOnce(QString::fromLatin1(argv[2]).toInt());
+    if (argc == 3 && qstrcmp(argv[1], "--write") == 0) { // the collection, for another program
+        generateCollection(QString::fromLocal8Bit(argv[2]));
+        return 0;
+    }
     const QString collection = QDir::temp().filePath(QStringLiteral("mirepan-bench-collection.mmf"));
     generateCollection(collection);
     QList<double> imports;
