@@ -169,8 +169,8 @@ private Q_SLOTS:
     void bulkImportStoresWhatTheStatementsWould()
     {
         QRandomGenerator random(31);
-        const QStringList words {"Flour", "crème",       "牛肉", "50%", "\"quoted\"", "x|y",
-                                 "[1]",   "back\\slash", "--",   "and", "tamis"};
+        const QStringList words {"Flour", "crème", "牛肉",        "🍋",  "50%", "\"quoted\"",
+                                 "x|y",   "[1]",   "back\\slash", "--", "and", "tamis"};
         const auto text = [&](int most) {
             QStringList picked;
             for (int n = 1 + random.bounded(most); n > 0; --n)

@@ -10,6 +10,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QStringEncoder>
 
 #include <memory>
 #include <vector>
@@ -75,6 +76,7 @@ private:
     QList<Removed> m_refused; // by the engine while written
     // What waits to be written: the texts, UTF-8, one after the other.
     QByteArray m_texts;
+    QStringEncoder m_utf8 {QStringEncoder::Utf8, QStringConverter::Flag::Stateless};
     std::vector<Gathered> m_recipes;
     std::vector<Line> m_lines;
     std::vector<Step> m_steps;

@@ -73,14 +73,14 @@ const char16_t kCp437[128] = {
     0x03A6, 0x0398, 0x03A9, 0x03B4, 0x221E, 0x03C6, 0x03B5, 0x2229, 0x2261, 0x00B1, 0x2265, 0x2264, 0x2320,
     0x2321, 0x00F7, 0x2248, 0x00B0, 0x2219, 0x00B7, 0x221A, 0x207F, 0x00B2, 0x25A0, 0x00A0};
 
-bool isHeader(const QString &trimmed)
+bool isHeader(QStringView trimmed)
 {
     return (trimmed.startsWith(QLatin1String("MMMMM")) || trimmed.startsWith(QLatin1String("-----"))) &&
            trimmed.contains(QLatin1String("Meal-Master"), Qt::CaseInsensitive);
 }
 
 // "MMMMM", or a line of dashes alone: the oldest versions end a recipe with more than five.
-bool isEnd(const QString &trimmed)
+bool isEnd(QStringView trimmed)
 {
     if (trimmed == QLatin1String("MMMMM"))
         return true;
@@ -402,13 +402,14 @@ QString MealMasterCabinetName(const QString &ingredient)
     // The name before what describes it: "Onion, chopped", "Onion; chopped" (as collections
     // often write it), "Butter (cold)", "Lemon juice or lime juice". A hyphen belongs to the
     // name ("All-purpose flour", "Half-and-half"); a name too short to tell is the whole text.
-    QString name = ingredient;
-    for (const QChar delimiter : {u',', u';', u'(', u'/'})
-        name = name.section(delimiter, 0, 0);
+    QStringView name = ingredient;
+    const auto describes = std::find_if(name.begin(), name.end(),
+                                        [](QChar c) { return c == u',' || c == u';' || c == u'(' || c == u'/'; });
+    name.truncate(describes - name.begin());
     if (const qsizetype orAt = name.indexOf(QLatin1String(" or "), 0, Qt::CaseInsensitive); orAt > 0)
         name.truncate(orAt);
     name = name.trimmed();
-    return name.size() >= 3 ? name : ingredient.trimmed();
+    return name.size() >= 3 ? name.toString() : ingredient.trimmed();
 }
 
 MealMasterReader::MealMasterReader(QIODevice &file, const MeasureCodes &codes)
@@ -467,16 +468,16 @@ bool MealMasterReader::next(MealMasterRecipe &out)
     for (;;) {
         if (!readLine(line))
             return false;
-        if (!line.tooLong && isHeader(line.text.trimmed()))
+        if (!line.tooLong && isHeader(QStringView(line.text).trimmed()))
             break;
     }
     out = MealMasterRecipe();
     out.begin = line.begin;
-    QList<Line> lines;
+    m_lines.clear();
     bool ended = false;
     bool tooLong = false;
     while (readLine(line)) {
-        const QString trimmed = line.text.trimmed();
+        const QStringView trimmed = QStringView(line.text).trimmed();
         if (!line.tooLong && isHeader(trimmed)) { // the next recipe begins: this one has no end
             m_next = line;
             m_pending = true;
@@ -487,10 +488,10 @@ bool MealMasterReader::next(MealMasterRecipe &out)
             break;
         }
         tooLong = tooLong || line.tooLong;
-        lines.append(line);
+        m_lines.append(line);
     }
     out.end = m_pending ? m_next.begin : position();
-    parse(lines, out);
+    parse(m_lines, out);
     if (tooLong)
         out.problem = QStringLiteral("a line is longer than %1 characters").arg(kLongestLine);
     else if (!ended)
@@ -644,7 +645,8 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
     if (!paragraphs.isEmpty() && paragraphs.last().startsWith(kNotes))
         notes = paragraphs.takeLast().mid(kNotes.size());
     for (qsizetype k = 0; k < paragraphs.size(); ++k)
-        if (!readTimes(paragraphLines[k], r) && !readTimes(paragraphs[k].split(u'\n'), r))
+        if (!paragraphs[k].contains(u':') ||
+            (!readTimes(paragraphLines[k], r) && !readTimes(paragraphs[k].split(u'\n'), r)))
             r.directions.append({Format(r.directions.size() + 1, QStringLiteral("00")), paragraphs[k]});
 
     if (!notes.isEmpty())

@@ -85,6 +85,7 @@ private:
     MealMasterEncoding m_encoding;
     bool m_pending = false;
     Line m_next;
+    QList<Line> m_lines; // the recipe's, kept for the next one's room
 };
 
 // The ingredient of one column of an ingredient line; ok is false when the text is not one.
