@@ -244,6 +244,9 @@ private Q_SLOTS:
         for (const char *table : {"RECIPE WHERE id", "INGREDIENTS WHERE recipe_id", "DIRECTIONS WHERE recipe_id"})
             QCOMPARE(QueryNumber(QStringLiteral("SELECT count(*) FROM %1 IN (2, 3)").arg(QLatin1String(table))), 0);
         QCOMPARE(Describe(LoadRecipe(4)), Describe(LoadRecipe(1)));
+        // The import's lines are the recipe's again: deleting it takes them along.
+        ExecuteSQL(QStringLiteral("DELETE * FROM RECIPE WHERE ID = 4"));
+        QCOMPARE(QueryNumber("SELECT count(*) FROM INGREDIENTS WHERE recipe_id = 4"), 0);
     }
 
     void exportCommandChoosesInTheSearchWindow()

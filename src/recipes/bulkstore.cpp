@@ -8,10 +8,12 @@
 #include "core/db/statementrunner.h"
 
 #include <QSqlDatabase>
+#include <QStringEncoder>
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -83,24 +85,6 @@ bool rising(const Lines &lines, Number number)
     return true;
 }
 
-bool bindable(const RecipeData &r)
-{
-    for (const QString *text :
-         {&r.recipeType, &r.servings, &r.category, &r.title, &r.prepTime, &r.cookTime, &r.notes, &r.rating}) {
-        if (!carriedAsWritten(*text))
-            return false;
-    }
-    for (const IngredientLine &line : r.ingredients) {
-        if (!carriedAsWritten(line.amount) || !carriedAsWritten(line.measure) || !carriedAsWritten(line.ingredient) ||
-            !carriedAsWritten(line.cabinet))
-            return false;
-    }
-    return rising(r.ingredients, [](const IngredientLine &line) -> const QString & { return line.number; }) &&
-           rising(r.directions, [](const DirectionLine &line) -> const QString & { return line.step; }) &&
-           std::all_of(r.directions.begin(), r.directions.end(),
-                       [](const DirectionLine &line) { return carriedAsWritten(line.direction); });
-}
-
 } // namespace
 
 // The statements, prepared once for the whole import.
@@ -108,9 +92,18 @@ struct BulkRecipeStore::Statements {
     BoundStatement recipe {"INSERT INTO RECIPE VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"};
     BoundStatement line {"INSERT INTO INGREDIENTS VALUES (?, ?, ?, ?, ?, ?)"};
     BoundStatement step {"INSERT INTO DIRECTIONS VALUES (?, ?, ?)"};
-    BoundStatement remove {"DELETE FROM RECIPE WHERE id = ?"};
+    // A recipe goes with its lines, named one by one: the import may have set the references'
+    // check aside.
+    BoundStatement remove[3] {BoundStatement {"DELETE FROM RECIPE WHERE id = ?"},
+                              BoundStatement {"DELETE FROM INGREDIENTS WHERE recipe_id = ?"},
+                              BoundStatement {"DELETE FROM DIRECTIONS WHERE recipe_id = ?"}};
 
-    bool usable() const { return recipe.usable() && line.usable() && step.usable() && remove.usable(); }
+    bool usable() const
+    {
+        return recipe.usable() && line.usable() && step.usable() &&
+               std::all_of(std::begin(remove), std::end(remove), [](const BoundStatement &s) { return s.usable(); });
+    }
+    bool removeRecipe(qint32 id);
 };
 
 namespace {
@@ -124,6 +117,14 @@ bool run(BoundStatement &statement)
 
 } // namespace
 
+bool BulkRecipeStore::Statements::removeRecipe(qint32 id)
+{
+    return std::all_of(std::begin(remove), std::end(remove), [id](BoundStatement &statement) {
+        statement.bind(1, id);
+        return run(statement);
+    });
+}
+
 BulkRecipeStore::BulkRecipeStore()
 {
     QSqlDatabase db = gConn();
@@ -136,30 +137,71 @@ BulkRecipeStore::BulkRecipeStore()
 
 BulkRecipeStore::~BulkRecipeStore() = default;
 
-bool BulkRecipeStore::store(const RecipeData &recipe, QString *problem, qint32 *storedId)
+BoundRecipe::BoundRecipe(const RecipeData &r)
+{
+    for (const QString *text :
+         {&r.recipeType, &r.servings, &r.category, &r.title, &r.prepTime, &r.cookTime, &r.notes, &r.rating}) {
+        if (!carriedAsWritten(*text))
+            return;
+    }
+    for (const IngredientLine &line : r.ingredients) {
+        if (!carriedAsWritten(line.amount) || !carriedAsWritten(line.measure) || !carriedAsWritten(line.ingredient) ||
+            !carriedAsWritten(line.cabinet))
+            return;
+    }
+    if (!rising(r.ingredients, [](const IngredientLine &line) -> const QString & { return line.number; }) ||
+        !rising(r.directions, [](const DirectionLine &line) -> const QString & { return line.step; }) ||
+        !std::all_of(r.directions.begin(), r.directions.end(),
+                     [](const DirectionLine &line) { return carriedAsWritten(line.direction); }))
+        return;
+    m_bindable = true;
+    QStringEncoder utf8(QStringEncoder::Utf8, QStringConverter::Flag::Stateless);
+    const auto gather = [&](QStringView text) {
+        const qsizetype at = m_texts.size();
+        m_texts.resize(at + utf8.requiredSpace(text.size()));
+        const char *end = utf8.appendToBuffer(m_texts.data() + at, text);
+        m_texts.truncate(end - m_texts.constData());
+        return Text {at, m_texts.size() - at};
+    };
+    const QString type = r.recipeType.left(1);
+    std::size_t field = 0;
+    for (const QString *text :
+         {&type, &r.servings, &r.category, &r.title, &r.prepTime, &r.cookTime, &r.notes, &r.rating})
+        m_fields[field++] = gather(*text);
+    m_lines.reserve(std::size_t(r.ingredients.size()));
+    for (const IngredientLine &line : r.ingredients)
+        m_lines.push_back({line.number.toLongLong(),
+                           {gather(line.amount), gather(line.measure), gather(line.ingredient), gather(line.cabinet)}});
+    m_steps.reserve(std::size_t(r.directions.size()));
+    for (const DirectionLine &line : r.directions)
+        m_steps.push_back({line.step.toLongLong(), gather(line.direction)});
+
+    Digest digest;
+    for (const Text &text : m_fields)
+        digest.add(bytes(text));
+    for (const Line &line : m_lines) {
+        digest.add(line.number);
+        for (const Text &text : line.fields)
+            digest.add(bytes(text));
+    }
+    for (const Step &step : m_steps) {
+        digest.add(step.number);
+        digest.add(bytes(step.direction));
+    }
+    m_digest = digest.value();
+}
+
+bool BulkRecipeStore::store(const RecipeData &recipe, QString *problem, qint32 *storedId, BoundRecipe *bound)
 {
     qint32 id = m_first == 0 ? 0 : m_first + qint32(m_digests.size());
-    if (m_statements && bindable(recipe)) {
+    std::optional<BoundRecipe> made;
+    if (m_statements && !bound)
+        bound = &made.emplace(recipe);
+    if (m_statements && bound->bindable()) {
         if (id == 0)
             id = NextId(QStringLiteral("RECIPE"));
-        Gathered gathered {id, m_digests.size(), {}, 0, 0};
-        const QString type = recipe.recipeType.left(1);
-        std::size_t field = 0;
-        for (const QString *text : {&type, &recipe.servings, &recipe.category, &recipe.title, &recipe.prepTime,
-                                    &recipe.cookTime, &recipe.notes, &recipe.rating})
-            gathered.fields[field++] = gather(*text);
-        const std::size_t firstLine = m_lines.size();
-        for (const IngredientLine &line : recipe.ingredients)
-            m_lines.push_back(
-                {line.number.toLongLong(),
-                 {gather(line.amount), gather(line.measure), gather(line.ingredient), gather(line.cabinet)}});
-        const std::size_t firstStep = m_steps.size();
-        for (const DirectionLine &line : recipe.directions)
-            m_steps.push_back({line.step.toLongLong(), gather(line.direction)});
-        gathered.lines = m_lines.size();
-        gathered.steps = m_steps.size();
-        m_digests.push_back(digest(gathered, firstLine, firstStep));
-        m_recipes.push_back(gathered);
+        m_digests.push_back(bound->m_digest);
+        m_recipes.push_back({id, m_digests.size() - 1, std::move(*bound)});
         if (m_recipes.size() == kWrittenTogether && !write()) {
             if (problem)
                 *problem = QString();
@@ -179,32 +221,6 @@ bool BulkRecipeStore::store(const RecipeData &recipe, QString *problem, qint32 *
     return true;
 }
 
-BulkRecipeStore::Text BulkRecipeStore::gather(QStringView text)
-{
-    const qsizetype at = m_texts.size();
-    m_texts.resize(at + m_utf8.requiredSpace(text.size()));
-    char *end = m_utf8.appendToBuffer(m_texts.data() + at, text);
-    m_texts.truncate(end - m_texts.constData());
-    return {at, m_texts.size() - at};
-}
-
-quint64 BulkRecipeStore::digest(const Gathered &recipe, std::size_t firstLine, std::size_t firstStep) const
-{
-    Digest digest;
-    for (const Text &text : recipe.fields)
-        digest.add(bytes(text));
-    for (std::size_t i = firstLine; i < recipe.lines; ++i) {
-        digest.add(m_lines[i].number);
-        for (const Text &text : m_lines[i].fields)
-            digest.add(bytes(text));
-    }
-    for (std::size_t i = firstStep; i < recipe.steps; ++i) {
-        digest.add(m_steps[i].number);
-        digest.add(bytes(m_steps[i].direction));
-    }
-    return digest.value();
-}
-
 bool BulkRecipeStore::write()
 {
     Statements &s = *m_statements;
@@ -214,50 +230,52 @@ bool BulkRecipeStore::write()
     const auto refuse = [&](std::size_t i) {
         if (!BatchIsOpen())
             return false; // the batch failed and has said why
-        const Gathered &recipe = m_recipes[i];
-        s.remove.bind(1, recipe.id);
-        run(s.remove);
+        const Gathered &gathered = m_recipes[i];
+        if (!s.removeRecipe(gathered.id))
+            return false;
         refused[i] = true;
-        m_digests[recipe.stored] = 0;
-        m_refused.append({recipe.id, QString::fromUtf8(bytes(recipe.fields[3])), recipe.stored,
+        m_digests[gathered.stored] = 0;
+        const BoundRecipe &r = gathered.recipe;
+        m_refused.append({gathered.id, QString::fromUtf8(r.bytes(r.m_fields[3])), gathered.stored,
                           QStringLiteral("the database refused it")});
         return true;
     };
     for (std::size_t i = 0; i < m_recipes.size(); ++i) {
-        const Gathered &r = m_recipes[i];
-        s.recipe.bind(1, r.id);
-        s.recipe.bind(2, bytes(r.fields[1]));
-        s.recipe.bind(3, bytes(r.fields[0]));
+        const BoundRecipe &r = m_recipes[i].recipe;
+        s.recipe.bind(1, m_recipes[i].id);
+        s.recipe.bind(2, r.bytes(r.m_fields[1]));
+        s.recipe.bind(3, r.bytes(r.m_fields[0]));
         for (int field = 2; field < 8; ++field)
-            s.recipe.bind(field + 2, bytes(r.fields[field]));
+            s.recipe.bind(field + 2, r.bytes(r.m_fields[field]));
         if (!run(s.recipe) && !refuse(i))
             return false;
     }
-    std::size_t line = 0;
-    for (std::size_t i = 0; i < m_recipes.size(); line = m_recipes[i++].lines) {
-        for (; !refused[i] && line < m_recipes[i].lines; ++line) {
+    for (std::size_t i = 0; i < m_recipes.size(); ++i) {
+        const BoundRecipe &r = m_recipes[i].recipe;
+        for (const BoundRecipe::Line &line : r.m_lines) {
+            if (refused[i])
+                break;
             s.line.bind(1, m_recipes[i].id);
-            s.line.bind(2, m_lines[line].number);
+            s.line.bind(2, line.number);
             for (int field = 0; field < 4; ++field)
-                s.line.bind(field + 3, bytes(m_lines[line].fields[field]));
+                s.line.bind(field + 3, r.bytes(line.fields[field]));
             if (!run(s.line) && !refuse(i))
                 return false;
         }
     }
-    std::size_t step = 0;
-    for (std::size_t i = 0; i < m_recipes.size(); step = m_recipes[i++].steps) {
-        for (; !refused[i] && step < m_recipes[i].steps; ++step) {
+    for (std::size_t i = 0; i < m_recipes.size(); ++i) {
+        const BoundRecipe &r = m_recipes[i].recipe;
+        for (const BoundRecipe::Step &step : r.m_steps) {
+            if (refused[i])
+                break;
             s.step.bind(1, m_recipes[i].id);
-            s.step.bind(2, m_steps[step].number);
-            s.step.bind(3, bytes(m_steps[step].direction));
+            s.step.bind(2, step.number);
+            s.step.bind(3, r.bytes(step.direction));
             if (!run(s.step) && !refuse(i))
                 return false;
         }
     }
     m_recipes.clear();
-    m_lines.clear();
-    m_steps.clear();
-    m_texts.clear();
     return true;
 }
 
@@ -313,8 +331,7 @@ bool BulkRecipeStore::verify(QList<Removed> &removed)
     if (atRecipe == Step::Failed || atLine == Step::Failed || atStep == Step::Failed)
         return false;
     for (qsizetype i = refused; i < removed.size(); ++i) {
-        gSQL = QStringLiteral("DELETE * FROM RECIPE WHERE ID = ") + QString::number(removed[i].id);
-        if (ExecuteSQL(gSQL).failed())
+        if (!m_statements->removeRecipe(removed[i].id))
             return false;
     }
     // Named in the order the file has them.

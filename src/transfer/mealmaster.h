@@ -16,6 +16,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <any>
+
 class QIODevice;
 
 // The two-letter measure codes and the household's names for them.
@@ -52,6 +54,8 @@ struct MealMasterRecipe {
     // Where it stands in the file, header to end line, in bytes.
     qint64 begin = 0;
     qint64 end = 0;
+    // What the importer made of it while reading (see MealMasterFeed).
+    std::any prepared;
 };
 
 // Reads the recipes of a file one at a time, a block at a time, without holding the file. The

@@ -67,14 +67,19 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         source.seek(from);
         return source.read(to - from);
     };
-    MealMasterFeed feed(file, codes);
+    // The recipes' bound form is made on the reading thread.
+    MealMasterFeed feed(file, codes, [](MealMasterRecipe &read) {
+        if (read.problem.isEmpty())
+            read.prepared = BoundRecipe(read.recipe);
+    });
     MealMasterRecipe read;
     qint64 position = 0;
     bool goOn = true;
     const MealMasterImportResult before = result;
     {
         // One commit for the file: a recipe that fails is rolled back alone (a batch of its own
-        // inside this one).
+        // inside this one). The bulk store writes each recipe before its lines and reads all back.
+        const UncheckedReferences bulk;
         StatementBatch batch;
         GatheredFailures failures; // named once in the closing summary, not a box each
         CabinetNames names; // of the recipes stored, added to the cabinet once
@@ -98,7 +103,7 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         for (int number = 1; batch.begun() && feed.next(read, position); ++number) {
             QString problem = read.problem;
             if (problem.isEmpty()) {
-                if (store.store(read.recipe, &problem, nullptr)) {
+                if (store.store(read.recipe, &problem, nullptr, std::any_cast<BoundRecipe>(&read.prepared))) {
                     names.add(read.recipe);
                     sources.push_back({read.begin, read.end, number});
                 } else if (problem.isEmpty()) {

@@ -1,7 +1,7 @@
 #include "mealmasterfeed.h"
 
-MealMasterFeed::MealMasterFeed(QIODevice &file, const MeasureCodes &codes)
-    : m_reader([this, &file, &codes] { read(file, codes); })
+MealMasterFeed::MealMasterFeed(QIODevice &file, const MeasureCodes &codes, Prepare prepare)
+    : m_reader([this, &file, &codes, prepare = std::move(prepare)] { read(file, codes, prepare); })
 { }
 
 MealMasterFeed::~MealMasterFeed()
@@ -14,13 +14,15 @@ MealMasterFeed::~MealMasterFeed()
     m_reader.join();
 }
 
-void MealMasterFeed::read(QIODevice &file, const MeasureCodes &codes)
+void MealMasterFeed::read(QIODevice &file, const MeasureCodes &codes, const Prepare &prepare)
 {
     try {
         MealMasterReader reader(file, codes);
         Read item;
         while (reader.next(item.recipe)) {
             item.position = reader.position();
+            if (prepare)
+                prepare(item.recipe);
             std::unique_lock lock(m_mutex);
             m_changed.wait(lock, [this] { return m_stop || m_ready.size() < kMostAhead; });
             if (m_stop)

@@ -7,14 +7,18 @@
 #include <condition_variable>
 #include <deque>
 #include <exception>
+#include <functional>
 #include <mutex>
 #include <thread>
 
 class MealMasterFeed
 {
 public:
+    // Work for the reading thread on each recipe read, its result left in the recipe's
+    // prepared: what the importer can do without the database, done while it stores the last.
+    using Prepare = std::function<void(MealMasterRecipe &)>;
     // The file and the codes must outlast the feed; the feed owns the file's position.
-    MealMasterFeed(QIODevice &file, const MeasureCodes &codes);
+    MealMasterFeed(QIODevice &file, const MeasureCodes &codes, Prepare prepare = {});
     // Stops the reading, wherever it stands, and waits for it.
     ~MealMasterFeed();
     MealMasterFeed(const MealMasterFeed &) = delete;
@@ -29,7 +33,7 @@ private:
         MealMasterRecipe recipe;
         qint64 position = 0;
     };
-    void read(QIODevice &file, const MeasureCodes &codes);
+    void read(QIODevice &file, const MeasureCodes &codes, const Prepare &prepare);
 
     // Enough to keep the storing busy, little enough to hold in memory whatever the file.
     static constexpr std::size_t kMostAhead = 512;

@@ -344,6 +344,23 @@ LowMemoryWork::~LowMemoryWork()
         back.exec(QStringLiteral("PRAGMA temp_store = ") + m_tempStore);
 }
 
+UncheckedReferences::UncheckedReferences()
+{
+    QSqlDatabase db = gConn();
+    if (g_batchDepth > 0 || !db.isOpen() || db.driverName() != u"QSQLITE")
+        return;
+    QSqlQuery q(db);
+    m_setAside = q.exec(QStringLiteral("PRAGMA foreign_keys")) && q.next() && q.value(0).toInt() == 1 &&
+                 q.exec(QStringLiteral("PRAGMA foreign_keys = OFF"));
+}
+
+UncheckedReferences::~UncheckedReferences()
+{
+    QSqlDatabase db = gConn();
+    if (m_setAside && db.isOpen() && db.driverName() == u"QSQLITE")
+        QSqlQuery(db).exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+}
+
 void ReportFailedStatement(const QString &statement, const StatementError &error)
 {
     failed(statement, error);

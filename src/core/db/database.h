@@ -112,6 +112,22 @@ private:
     QString m_tempStore;
 };
 
+// While it lives, the file database does not look up a line's recipe as each line is stored: a
+// bulk import writes each recipe before its lines, reads everything it stored back, and removes
+// a recipe's lines itself. Made outside a batch (inside one the engine keeps its check); what it
+// found is put back.
+class UncheckedReferences
+{
+public:
+    UncheckedReferences();
+    ~UncheckedReferences();
+    UncheckedReferences(const UncheckedReferences &) = delete;
+    UncheckedReferences &operator=(const UncheckedReferences &) = delete;
+
+private:
+    bool m_setAside = false;
+};
+
 // While it lives, the failed statements' messages are gathered here instead of shown a box
 // each: a command that runs thousands (an import) names them once, in its closing summary.
 class GatheredFailures
