@@ -156,6 +156,13 @@ BoundRecipe::BoundRecipe(const RecipeData &r)
         return;
     m_bindable = true;
     QStringEncoder utf8(QStringEncoder::Utf8, QStringConverter::Flag::Stateless);
+    qsizetype units = r.recipeType.size() + r.servings.size() + r.category.size() + r.title.size() + r.prepTime.size() +
+                      r.cookTime.size() + r.notes.size() + r.rating.size();
+    for (const IngredientLine &line : r.ingredients)
+        units += line.amount.size() + line.measure.size() + line.ingredient.size() + line.cabinet.size();
+    for (const DirectionLine &line : r.directions)
+        units += line.direction.size();
+    m_texts.reserve(utf8.requiredSpace(units));
     const auto gather = [&](QStringView text) {
         const qsizetype at = m_texts.size();
         m_texts.resize(at + utf8.requiredSpace(text.size()));

@@ -581,6 +581,7 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
         if (line.two)
             add(columns[1], line.right);
     }
+    r.ingredients.reserve(columns[0].size() + columns[1].size());
     for (const auto &column : columns)
         for (const MealMasterIngredient &part : column) {
             QString measure = m_codes.name(part.code);
@@ -644,6 +645,7 @@ void MealMasterReader::parse(const QList<Line> &lines, MealMasterRecipe &out) co
     QString notes;
     if (!paragraphs.isEmpty() && paragraphs.last().startsWith(kNotes))
         notes = paragraphs.takeLast().mid(kNotes.size());
+    r.directions.reserve(paragraphs.size());
     for (qsizetype k = 0; k < paragraphs.size(); ++k)
         if (!paragraphs[k].contains(u':') ||
             (!readTimes(paragraphLines[k], r) && !readTimes(paragraphs[k].split(u'\n'), r)))
