@@ -19,6 +19,8 @@
 #include <QTest>
 #include <QTreeWidget>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Puts the item in the cabinet, or marks the one a recipe's save put there.
@@ -97,24 +99,15 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("stem");
-        QTest::newRow("comma") << "onion, chopped"
-                               << "onion";
-        QTest::newRow("parenthesis") << "tomatoes (canned)"
-                                     << "tomatoes";
-        QTest::newRow("or") << "salt or pepper"
-                            << "salt";
-        QTest::newRow("OR in any case") << "bread OR rolls"
-                                        << "bread";
-        QTest::newRow("too short a stem") << "1-2 eggs"
-                                          << "1-2 eggs";
-        QTest::newRow("slash, trimmed") << "  rice / beans"
-                                        << "rice";
-        QTest::newRow("the first delimiter counts") << "flour (plain), sifted"
-                                                    << "flour";
-        QTest::newRow("delimiter at the end") << "garlic-"
-                                              << "garlic-";
-        QTest::newRow("no delimiter") << "  Crème fraîche "
-                                      << "Crème fraîche";
+        QTest::newRow("comma") << u"onion, chopped"_s << u"onion"_s;
+        QTest::newRow("parenthesis") << u"tomatoes (canned)"_s << u"tomatoes"_s;
+        QTest::newRow("or") << u"salt or pepper"_s << u"salt"_s;
+        QTest::newRow("OR in any case") << u"bread OR rolls"_s << u"bread"_s;
+        QTest::newRow("too short a stem") << u"1-2 eggs"_s << u"1-2 eggs"_s;
+        QTest::newRow("slash, trimmed") << u"  rice / beans"_s << u"rice"_s;
+        QTest::newRow("the first delimiter counts") << u"flour (plain), sifted"_s << u"flour"_s;
+        QTest::newRow("delimiter at the end") << u"garlic-"_s << u"garlic-"_s;
+        QTest::newRow("no delimiter") << u"  Crème fraîche "_s << u"Crème fraîche"_s;
     }
     void stems()
     {

@@ -16,6 +16,8 @@
 #include <QSqlRecord>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class TestDatabase : public CoreSessionTest
 {
     Q_OBJECT
@@ -524,16 +526,14 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("damage");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("another program's file") << "jet"
-                                                << "it is not a database, or it is damaged (file is not a database)";
-        QTest::newRow("truncated") << "truncate"
-                                   << "it is not a database, or it is damaged (database disk image is malformed)";
-        QTest::newRow("no tables") << "empty"
-                                   << "it holds no tables";
-        QTest::newRow("missing table") << "DROP TABLE MENU"
-                                       << "the table MENU is missing";
-        QTest::newRow("missing column") << "ALTER TABLE RECIPE DROP COLUMN rating"
-                                        << "the table RECIPE has no column rating in its place";
+        QTest::newRow("another program's file")
+            << u"jet"_s << u"it is not a database, or it is damaged (file is not a database)"_s;
+        QTest::newRow("truncated") << u"truncate"_s
+                                   << u"it is not a database, or it is damaged (database disk image is malformed)"_s;
+        QTest::newRow("no tables") << u"empty"_s << u"it holds no tables"_s;
+        QTest::newRow("missing table") << u"DROP TABLE MENU"_s << u"the table MENU is missing"_s;
+        QTest::newRow("missing column") << u"ALTER TABLE RECIPE DROP COLUMN rating"_s
+                                        << u"the table RECIPE has no column rating in its place"_s;
     }
     void unusableDatabasesAreNamedAndLeftAlone()
     {

@@ -24,6 +24,8 @@
 #include <QTest>
 #include <QTreeWidget>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 void typeIngredient(frmAdd2 &e, const QString &amount, const QString &measure, const QString &item,
@@ -193,20 +195,13 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("hours and minutes") << "130"
-                                           << "01:30";
-        QTest::newRow("with colon") << "1:30"
-                                    << "01:30";
-        QTest::newRow("minutes only") << "5"
-                                      << "00:05";
-        QTest::newRow("no range check") << "7:5"
-                                        << "00:75";
-        QTest::newRow("many hours") << "12345"
-                                    << "123:45";
-        QTest::newRow("empty") << ""
-                               << "00:00";
-        QTest::newRow("words") << "soon"
-                               << "00:00";
+        QTest::newRow("hours and minutes") << u"130"_s << u"01:30"_s;
+        QTest::newRow("with colon") << u"1:30"_s << u"01:30"_s;
+        QTest::newRow("minutes only") << u"5"_s << u"00:05"_s;
+        QTest::newRow("no range check") << u"7:5"_s << u"00:75"_s;
+        QTest::newRow("many hours") << u"12345"_s << u"123:45"_s;
+        QTest::newRow("empty") << u""_s << u"00:00"_s;
+        QTest::newRow("words") << u"soon"_s << u"00:00"_s;
     }
     void timesAreNormalisedOnLeaving()
     {
@@ -295,18 +290,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("beyond the end") << "9"
-                                        << "04";
-        QTest::newRow("zero") << "0"
-                              << "04";
-        QTest::newRow("negative") << "-2"
-                                  << "02";
-        QTest::newRow("words") << "x"
-                               << "04";
-        QTest::newRow("within") << "3"
-                                << "03";
-        QTest::newRow("one digit") << "2"
-                                   << "02";
+        QTest::newRow("beyond the end") << u"9"_s << u"04"_s;
+        QTest::newRow("zero") << u"0"_s << u"04"_s;
+        QTest::newRow("negative") << u"-2"_s << u"02"_s;
+        QTest::newRow("words") << u"x"_s << u"04"_s;
+        QTest::newRow("within") << u"3"_s << u"03"_s;
+        QTest::newRow("one digit") << u"2"_s << u"02"_s;
     }
     void stepNumbersOnLeaving()
     {

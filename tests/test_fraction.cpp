@@ -11,6 +11,8 @@
 #include <QTest>
 #include <numeric>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 cFraction parsed(const QString &text)
@@ -218,34 +220,13 @@ private Q_SLOTS:
         QTest::addColumn<QString>("right");
         QTest::addColumn<QString>("product");
         QTest::addColumn<QString>("sum");
-        QTest::newRow("quarter doubled") << "1/4"
-                                         << "2"
-                                         << "1/2"
-                                         << "2 1/4";
-        QTest::newRow("three quarters by four") << "3/4"
-                                                << "4"
-                                                << "3"
-                                                << "4 3/4";
-        QTest::newRow("mixed by a fraction") << "1 1/2"
-                                             << "3/2"
-                                             << "2 1/4"
-                                             << "3";
-        QTest::newRow("thirds") << "1/3"
-                                << "1/3"
-                                << "1/9"
-                                << "2/3";
-        QTest::newRow("halves") << "1/2"
-                                << "1/2"
-                                << "1/4"
-                                << "1";
-        QTest::newRow("reduced") << "6/8"
-                                 << "1"
-                                 << "3/4"
-                                 << "1 3/4";
-        QTest::newRow("top-heavy") << "9/4"
-                                   << "1"
-                                   << "2 1/4"
-                                   << "3 1/4";
+        QTest::newRow("quarter doubled") << u"1/4"_s << u"2"_s << u"1/2"_s << u"2 1/4"_s;
+        QTest::newRow("three quarters by four") << u"3/4"_s << u"4"_s << u"3"_s << u"4 3/4"_s;
+        QTest::newRow("mixed by a fraction") << u"1 1/2"_s << u"3/2"_s << u"2 1/4"_s << u"3"_s;
+        QTest::newRow("thirds") << u"1/3"_s << u"1/3"_s << u"1/9"_s << u"2/3"_s;
+        QTest::newRow("halves") << u"1/2"_s << u"1/2"_s << u"1/4"_s << u"1"_s;
+        QTest::newRow("reduced") << u"6/8"_s << u"1"_s << u"3/4"_s << u"1 3/4"_s;
+        QTest::newRow("top-heavy") << u"9/4"_s << u"1"_s << u"2 1/4"_s << u"3 1/4"_s;
     }
     void arithmetic()
     {

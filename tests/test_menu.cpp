@@ -19,6 +19,8 @@
 #include <QTest>
 #include <QTreeWidget>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // A recipe of ingredient lines, each "amount|measure|cabinet".
@@ -119,12 +121,9 @@ private Q_SLOTS:
         QTest::addColumn<int>("choice");
         QTest::addColumn<QString>("stored"); // the group stored afterwards
         QTest::addColumn<QString>("shown"); // the group the window shows afterwards
-        QTest::newRow("reload") << 0 << "Their week"
-                                << "Their week";
-        QTest::newRow("keep mine") << 1 << "My week"
-                                   << "My week";
-        QTest::newRow("cancel") << 2 << "Their week"
-                                << "My week";
+        QTest::newRow("reload") << 0 << u"Their week"_s << u"Their week"_s;
+        QTest::newRow("keep mine") << 1 << u"My week"_s << u"My week"_s;
+        QTest::newRow("cancel") << 2 << u"Their week"_s << u"My week"_s;
     }
     void aMenuChangedElsewhereIsAskedAbout()
     {

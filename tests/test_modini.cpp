@@ -13,6 +13,8 @@
 
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 class TestModIni : public QObject
 {
     Q_OBJECT
@@ -105,43 +107,25 @@ private Q_SLOTS:
         QTest::addColumn<QString>("after");
         QTest::addColumn<QString>("readBack"); // the key's value in the section, read again
         QTest::newRow("replacing keeps every other line")
-            << "[Misc]\nSeek=True\n\nStandardAdd=False\n\n[Files]\nPreview=x\n"
-            << "Misc"
-            << "StandardAdd=True"
-            << "[Misc]\nSeek=True\n\nStandardAdd=True\n\n[Files]\nPreview=x\n"
-            << "True";
+            << u"[Misc]\nSeek=True\n\nStandardAdd=False\n\n[Files]\nPreview=x\n"_s << u"Misc"_s << u"StandardAdd=True"_s
+            << u"[Misc]\nSeek=True\n\nStandardAdd=True\n\n[Files]\nPreview=x\n"_s << u"True"_s;
         QTest::newRow("a new key lands under the next section's header")
-            << "[Misc]\nSeek=True\n[Files]\nPreview=x\n"
-            << "Misc"
-            << "MaxRecipeID=12"
-            << "[Misc]\nSeek=True\n[Files]\nMaxRecipeID=12\nPreview=x\n"
-            << "";
+            << u"[Misc]\nSeek=True\n[Files]\nPreview=x\n"_s << u"Misc"_s << u"MaxRecipeID=12"_s
+            << u"[Misc]\nSeek=True\n[Files]\nMaxRecipeID=12\nPreview=x\n"_s << u""_s;
         QTest::newRow("a new key in the last section ends it")
-            << "[Files]\nPreview=x\n[Misc]\nSeek=True\n"
-            << "Misc"
-            << "MaxRecipeID=12"
-            << "[Files]\nPreview=x\n[Misc]\nSeek=True\nMaxRecipeID=12\n"
-            << "12";
-        QTest::newRow("an absent section is appended") << "[Files]\nPreview=x\n"
-                                                       << "FIRSTRUN"
-                                                       << "CONDB=YES"
-                                                       << "[Files]\nPreview=x\n\n[FIRSTRUN]\nCONDB=YES\n"
-                                                       << "YES";
-        QTest::newRow("a header on the last line takes the key") << "[Files]\nPreview=x\n[Misc]"
-                                                                 << "Misc"
-                                                                 << "Seek=True"
-                                                                 << "[Files]\nPreview=x\n[Misc]\nSeek=True\n"
-                                                                 << "True";
-        QTest::newRow("delete in its section only") << "[Rating]\n00=\n01=*\n02=**\n[Other]\n01=keep\n"
-                                                    << "Rating"
-                                                    << "01"
-                                                    << "[Rating]\n00=\n02=**\n[Other]\n01=keep\n"
-                                                    << "";
-        QTest::newRow("delete of an absent key") << "[Rating]\n00=\n"
-                                                 << "Rating"
-                                                 << "99"
-                                                 << "[Rating]\n00=\n"
-                                                 << "";
+            << u"[Files]\nPreview=x\n[Misc]\nSeek=True\n"_s << u"Misc"_s << u"MaxRecipeID=12"_s
+            << u"[Files]\nPreview=x\n[Misc]\nSeek=True\nMaxRecipeID=12\n"_s << u"12"_s;
+        QTest::newRow("an absent section is appended")
+            << u"[Files]\nPreview=x\n"_s << u"FIRSTRUN"_s << u"CONDB=YES"_s
+            << u"[Files]\nPreview=x\n\n[FIRSTRUN]\nCONDB=YES\n"_s << u"YES"_s;
+        QTest::newRow("a header on the last line takes the key")
+            << u"[Files]\nPreview=x\n[Misc]"_s << u"Misc"_s << u"Seek=True"_s
+            << u"[Files]\nPreview=x\n[Misc]\nSeek=True\n"_s << u"True"_s;
+        QTest::newRow("delete in its section only")
+            << u"[Rating]\n00=\n01=*\n02=**\n[Other]\n01=keep\n"_s << u"Rating"_s << u"01"_s
+            << u"[Rating]\n00=\n02=**\n[Other]\n01=keep\n"_s << u""_s;
+        QTest::newRow("delete of an absent key")
+            << u"[Rating]\n00=\n"_s << u"Rating"_s << u"99"_s << u"[Rating]\n00=\n"_s << u""_s;
     }
     void writesInPlace()
     {
