@@ -22,9 +22,9 @@ public:
     BoundStatement &operator=(const BoundStatement &) = delete;
 
     bool usable() const { return m_statement != nullptr; }
-    // Values by position, from 1. A text (UTF-8, the encoding the file keeps them in, so the engine
-    // stores the bytes as they are) must stay unchanged until the statement has run; an empty text is
-    // stored empty, never as NULL.
+    // Values by position, from 1. A text is UTF-8, the encoding the file keeps texts in, so the
+    // engine stores its bytes as they are; it must stay unchanged until the statement has run.
+    // An empty text is stored empty, never as NULL.
     void bind(int position, qint64 value);
     void bind(int position, QByteArrayView utf8);
     // Runs the statement: a row to read, the end, or a failure, told as ExecuteSQL tells its
