@@ -154,9 +154,7 @@ void ShowNeededAmounts(const QString &nodeText, const QStringList &ids)
         }
         heading(printer, QStringLiteral("Needed Ingredient Amounts for ") + nodeText + u':');
         const int b = gSettings.BaseFontSize;
-        const Densities densities = gSettings.CombineMeasures ? Densities::fromSettings(IniPath()) : Densities();
-        if (gSettings.CombineMeasures)
-            LoadHouseholdUnits(IniPath());
+        const Densities densities = gSettings.CombineMeasures ? LoadHouseholdMeasures(IniPath()) : Densities();
         for (qsizetype first = 0; first < rows.size();) {
             const QString item = rows[first].cabinet;
             const QString upper = item.toUpper();

@@ -379,6 +379,12 @@ Densities Densities::fromSettings(const QString &iniPath)
     return densities;
 }
 
+Densities LoadHouseholdMeasures(const QString &iniPath)
+{
+    LoadHouseholdUnits(iniPath);
+    return Densities::fromSettings(iniPath);
+}
+
 std::optional<Exact> Densities::gramsPerCup(const QString &cabinetItem) const
 {
     const auto it = m_items.constFind(key(cabinetItem));

@@ -76,6 +76,10 @@ private:
     QHash<QString, Exact> m_items;
 };
 
+// The household's own measures, read for a report or a list: its units, kept for the
+// conversions and sums that follow, and (returned) the densities of its cabinet items.
+Densities LoadHouseholdMeasures(const QString &iniPath);
+
 // The text with each temperature written in it ("350°F", "180 C", "gas mark 4") followed by
 // the same in the system's scale, in parentheses; unchanged for AsWritten.
 QString AnnotateTemperatures(const QString &text, MeasureSystem system);

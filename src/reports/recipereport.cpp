@@ -30,10 +30,8 @@ ReportSettings HouseholdReportSettings()
     settings.baseFontSize = gSettings.BaseFontSize;
     settings.blankLines = gSettings.BlankLines;
     settings.measures = MeasureSystemFromText(gSettings.ShowMeasures);
-    if (settings.measures != MeasureSystem::AsWritten) {
-        settings.densities = Densities::fromSettings(IniPath());
-        LoadHouseholdUnits(IniPath());
-    }
+    if (settings.measures != MeasureSystem::AsWritten)
+        settings.densities = LoadHouseholdMeasures(IniPath());
     return settings;
 }
 
