@@ -52,8 +52,6 @@ qint64 lastSection(const IniFile &file)
     return std::llround(max);
 }
 
-// The number of recipes the progress counts: Max when it is a usable count, else the
-// numbered sections there are (a file cut short has lost its [ID] section at the end).
 // The numbered sections the file holds, from 1 to the first missing one.
 int sectionsPresent(const IniFile &file)
 {
@@ -63,6 +61,8 @@ int sectionsPresent(const IniFile &file)
     return count;
 }
 
+// The number of recipes the progress counts: Max when it is a usable count, else the
+// numbered sections there are (a file cut short has lost its [ID] section at the end).
 int recipesToImport(const IniFile &file)
 {
     try {
