@@ -216,12 +216,31 @@ bool KeepSearchIndexes()
     return batch.commit();
 }
 
+namespace {
+
+bool keptHere()
+{
+    return !gNotConnected && (gConn().driverName() == u"QPSQL" ? serverKeepsAvailability() : onFile() && isKept());
+}
+
+QString keptAvailable(const QString &recipeType)
+{
+    return QStringLiteral("SELECT recipe_id FROM CABINET_AVAILABILITY WHERE type = '") + recipeType.left(1) +
+           QStringLiteral("' AND missing = 0 AND matched > 0");
+}
+
+} // namespace
+
+QString KeptAvailabilityCondition(const QString &recipeType)
+{
+    return keptHere() ? QStringLiteral("A.id IN (") + keptAvailable(recipeType) + u')' : QString();
+}
+
 std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType)
 {
     QList<qint32> available;
-    if (!gNotConnected && gConn().driverName() == u"QPSQL" && serverKeepsAvailability()) {
-        gSQL = QStringLiteral("SELECT recipe_id FROM CABINET_AVAILABILITY WHERE type = '") + recipeType.left(1) +
-               QStringLiteral("' AND missing = 0 AND matched > 0 ORDER BY recipe_id");
+    if (keptHere()) {
+        gSQL = keptAvailable(recipeType) + QStringLiteral(" ORDER BY recipe_id");
     } else if (!gNotConnected && gConn().driverName() == u"QPSQL") {
         // A server without it counts the lines itself and hands over the recipes alone.
         gSQL = QStringLiteral("SELECT A.recipe_id FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item AND "
@@ -229,9 +248,6 @@ std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType)
                recipeType.left(1) +
                QStringLiteral("' GROUP BY A.recipe_id HAVING sum(CASE WHEN B.available = 0 THEN 1 ELSE 0 END) = 0 "
                               "ORDER BY A.recipe_id");
-    } else if (onFile() && isKept()) {
-        gSQL = QStringLiteral("SELECT recipe_id FROM CABINET_AVAILABILITY WHERE type = '") + recipeType.left(1) +
-               QStringLiteral("' AND missing = 0 AND matched > 0 ORDER BY recipe_id");
     } else {
         return std::nullopt;
     }

@@ -26,6 +26,10 @@ bool SearchIndexesAreKept();
 // server always counts it).
 std::optional<QList<qint32>> KeptAvailableRecipes(const QString &recipeType);
 
+// The condition on a recipe search's recipes "A" that keeps those KeptAvailableRecipes lists
+// for the type; "" when the database keeps no availability.
+QString KeptAvailabilityCondition(const QString &recipeType);
+
 // While it lives, inside the batch of an import (outside one it does nothing), the recipes
 // stored from the next free identifier on are counted and indexed once, at finish(), instead of
 // line by line: an import stores hundreds of thousands of lines.

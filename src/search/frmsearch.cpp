@@ -12,6 +12,7 @@
 #include "core/platform/modini.h"
 #include "core/ui/msgbox.h"
 #include "recipes/reciperepository.h"
+#include "recipes/searchindexes.h"
 #include "core/ui/periphery.h"
 #include "core/platform/platform.h"
 #include "settings/frmsettings.h"
@@ -300,7 +301,11 @@ void frmSearch::cmdSearch_Click()
         context.onlyNewRecipes = gSettings.OnlyNewRecipes;
         context.maxRecipeId = gMaxRecipeID;
         gSQL = BuildSearchSql(criteria, context);
-        gRS = ExecuteSQL(gSQL);
+        {
+            // Where the database keeps which recipes are available, the search reads those alone.
+            const SearchNarrowing kept(cabinetOnly ? KeptAvailabilityCondition(gRecipeType) : QString());
+            gRS = ExecuteSQL(gSQL);
+        }
 
         if (gRS.eof() && context.onlyNewRecipes)
             MsgBox(kOnlyNew, Msg::Information, QStringLiteral("Confirmation"));

@@ -32,6 +32,7 @@ StatementError g_trouble;
 // The server dropped the connection: the next command opens it again before it runs.
 bool g_connectionLost = false;
 GatheredFailures *g_gathered = nullptr;
+QString g_searchNarrowing; // see SearchNarrowing
 // The server-wide lock the writers of one collection take turns on ("MIRE" in ASCII).
 constexpr qint64 kWriterLock = 0x4d495245;
 // A statement waits briefly for another program's lock; a batch waits up to kLockWaitMs, in
@@ -273,7 +274,8 @@ Recordset ExecuteSQL(QString &sql)
     SqlEngine engine = onServer(db) ? SqlEngine::Postgres : SqlEngine::Sqlite;
     if (engine == SqlEngine::Sqlite && SearchesIngredientText(prepared) && keepsIngredientIndex(db))
         engine = SqlEngine::SqliteIndexed;
-    Recordset result = RunStatement(db, TranslateJetSql(prepared, engine), &error, g_batchDepth > 0);
+    const QString narrowed = g_searchNarrowing.isEmpty() ? prepared : NarrowRecipeSearch(prepared, g_searchNarrowing);
+    Recordset result = RunStatement(db, TranslateJetSql(narrowed, engine), &error, g_batchDepth > 0);
     if (!error.failed)
         return result;
     if (error.cause == StatementError::Unreachable)
@@ -342,6 +344,13 @@ LowMemoryWork::~LowMemoryWork()
     back.exec(QStringLiteral("PRAGMA mmap_size = ") + m_mmapSize);
     if (!m_tempStore.isEmpty())
         back.exec(QStringLiteral("PRAGMA temp_store = ") + m_tempStore);
+}
+
+SearchNarrowing::SearchNarrowing(const QString &condition) : m_before(std::exchange(g_searchNarrowing, condition)) { }
+
+SearchNarrowing::~SearchNarrowing()
+{
+    g_searchNarrowing = m_before;
 }
 
 UncheckedReferences::UncheckedReferences()

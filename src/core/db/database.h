@@ -112,6 +112,22 @@ private:
     QString m_tempStore;
 };
 
+// While it lives, the recipe searches ExecuteSQL runs (as the search window writes them) meet
+// the condition on their recipes "A" too: their rows are those of the statement that meet it.
+// The cabinet filter narrows its search so to the recipes the database keeps as available,
+// instead of reading every recipe and setting most aside. An empty condition narrows nothing.
+class SearchNarrowing
+{
+public:
+    explicit SearchNarrowing(const QString &condition);
+    ~SearchNarrowing();
+    SearchNarrowing(const SearchNarrowing &) = delete;
+    SearchNarrowing &operator=(const SearchNarrowing &) = delete;
+
+private:
+    QString m_before;
+};
+
 // While it lives, the file database does not look up a line's recipe as each line is stored: a
 // bulk import writes each recipe before its lines, reads everything it stored back, and removes
 // a recipe's lines itself. Made outside a batch (inside one the engine keeps its check); what it

@@ -218,6 +218,20 @@ QString narrowByIngredientIndex(const QString &sql)
 
 } // namespace
 
+QString NarrowRecipeSearch(const QString &sql, const QString &condition)
+{
+    // The order ends the statement; a text searched for is upper-cased, so it never reads so.
+    static const QString order = QStringLiteral(" ORDER BY A.title");
+    static const QString search = QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A");
+    if (!sql.startsWith(search) || sql.size() == search.size() ||
+        (sql[search.size()] != u' ' && sql[search.size()] != u','))
+        return sql;
+    const qsizetype at = sql.lastIndexOf(order);
+    if (at < 0)
+        return sql;
+    return sql.left(at) + QStringLiteral(" AND (") + condition + u')' + sql.mid(at);
+}
+
 bool SearchesIngredientText(const QString &sql)
 {
     // Only a query searches; the statements that store lines are the most, and go by at once.

@@ -18,3 +18,7 @@ QString TranslateJetSql(const QString &sql, SqlEngine engine = SqlEngine::Sqlite
 inline const QString kIngredientIndex = QStringLiteral("INGREDIENTS_TRIGRAMS");
 // Whether the statement searches the ingredient texts for a text (what the index speeds up).
 bool SearchesIngredientText(const QString &sql);
+
+// A recipe search ("SELECT DISTINCT id, title FROM RECIPE A ... ORDER BY A.title", as the search
+// window writes it) with the condition on its recipes "A" added; any other statement as it is.
+QString NarrowRecipeSearch(const QString &sql, const QString &condition);
