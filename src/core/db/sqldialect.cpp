@@ -220,7 +220,8 @@ QString narrowByIngredientIndex(const QString &sql)
 
 QString NarrowRecipeSearch(const QString &sql, const QString &condition)
 {
-    // The order ends the statement; a text searched for is upper-cased, so it never reads so.
+    // The order stands at the statement's end; a text searched for is in capitals, so no quoted
+    // text reads the same.
     static const QString order = QStringLiteral(" ORDER BY A.title");
     static const QString search = QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A");
     if (!sql.startsWith(search) || sql.size() == search.size() ||
