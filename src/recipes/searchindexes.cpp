@@ -2,6 +2,8 @@
 
 #include "core/db/database.h"
 #include "core/db/integrity.h"
+#include "core/db/schema.h"
+#include "core/db/sqldialect.h"
 
 #include <QSqlQuery>
 
@@ -41,24 +43,29 @@ const QString kPause = QStringLiteral("CABINET_AVAILABILITY_PAUSE");
                        "excluded.matched, "                                                                            \
                        "missing = missing + excluded.missing;"
 
-// The recipe's row of the ingredient index made again from its lines.
-#define REINDEX(id)                                                                                                    \
-    "DELETE FROM INGREDIENTS_TRIGRAMS WHERE rowid = " id                                                               \
-    " AND " BELOW_PAUSE(id) "; "                                                                                       \
-                            "INSERT INTO INGREDIENTS_TRIGRAMS (rowid, lines) SELECT recipe_id, "                       \
-                            "group_concat(upper(ingredient), char(10)) "                                               \
-                            "FROM INGREDIENTS WHERE recipe_id = " id " AND " BELOW_PAUSE(id) " GROUP BY recipe_id;"
+// The ingredient index holds a row a line, its text in upper case, keyed by its recipe and its
+// number in one (the number 0 to 1023, which is what lines have: any other line is not indexed,
+// and the search walks the lines while one is stored). The index keeps no copy of the texts:
+// a line goes out of it with the text it came in with.
+#define LINE_KEY(row) row ".recipe_id * 1024 + " row ".ingred_id"
+#define INDEXED(row) row ".ingred_id BETWEEN 0 AND 1023 AND " BELOW_PAUSE(row ".recipe_id")
+#define LINE_INDEXED(row)                                                                                              \
+    "INSERT INTO INGREDIENT_LINE_TRIGRAMS (rowid, line) SELECT " LINE_KEY(row) ", upper(" row                          \
+                                                                               ".ingredient) WHERE " INDEXED(row) ";"
+#define LINE_UNINDEXED(row)                                                                                            \
+    "INSERT INTO INGREDIENT_LINE_TRIGRAMS (INGREDIENT_LINE_TRIGRAMS, rowid, line) SELECT 'delete', " LINE_KEY(         \
+        row) ", upper(" row ".ingredient) WHERE " INDEXED(row) ";"
 
-// The rows of the ingredient index of the recipes the condition names.
+// The rows of the ingredient index of the lines the condition names.
 #define INDEX_LINES(where)                                                                                             \
-    "INSERT INTO INGREDIENTS_TRIGRAMS (rowid, lines) SELECT recipe_id, group_concat(upper(ingredient), char(10)) "     \
-    "FROM INGREDIENTS WHERE " where " GROUP BY recipe_id"
+    "INSERT INTO INGREDIENT_LINE_TRIGRAMS (rowid, line) SELECT recipe_id * 1024 + ingred_id, upper(ingredient) "       \
+    "FROM INGREDIENTS WHERE ingred_id BETWEEN 0 AND 1023 AND " where
 
 // A line comes: it counts for each type that has its item, and its text is indexed. An import
 // sets this trigger aside while it stores its lines (see SearchIndexesBulk).
 const char *const kLineIn =
     "CREATE TRIGGER CABINET_AVAILABILITY_line_in AFTER INSERT ON INGREDIENTS BEGIN " COUNT_LINES(
-        "I.recipe_id = new.recipe_id AND I.ingred_id = new.ingred_id") "; " REINDEX("new.recipe_id") " END";
+        "I.recipe_id = new.recipe_id AND I.ingred_id = new.ingred_id") "; " LINE_INDEXED("new") " END";
 const QString kDropLineIn = QStringLiteral("DROP TRIGGER CABINET_AVAILABILITY_line_in");
 
 // The table and the triggers that keep it. Each cabinet name matches at most one item of a type
@@ -69,14 +76,18 @@ const char *const kKeeping[] = {
     "matched INTEGER NOT NULL, missing INTEGER NOT NULL, PRIMARY KEY (recipe_id, type)) WITHOUT ROWID",
     "CREATE INDEX CABINET_AVAILABILITY_ready ON CABINET_AVAILABILITY(type, missing, recipe_id)",
     "CREATE TABLE CABINET_AVAILABILITY_PAUSE (from_id INTEGER NOT NULL)",
-    "CREATE VIRTUAL TABLE INGREDIENTS_TRIGRAMS USING fts5(lines, tokenize = 'trigram', detail = none)",
+    "CREATE VIRTUAL TABLE INGREDIENT_LINE_TRIGRAMS USING fts5(line, tokenize = 'trigram', detail = none, content = "
+    "'', columnsize = 0)",
+    // The lines the index leaves out, found at once (there are none, as a rule).
+    "CREATE INDEX INGREDIENT_LINE_TRIGRAMS_outside ON INGREDIENTS(recipe_id, ingred_id) WHERE ingred_id NOT "
+    "BETWEEN 0 AND 1023",
     kLineIn,
     // A line goes (also with its recipe).
-    "CREATE TRIGGER CABINET_AVAILABILITY_line_out AFTER DELETE ON INGREDIENTS BEGIN " LINE_OUT REINDEX(
-        "old.recipe_id") " END",
-    // A line's text changed.
-    "CREATE TRIGGER INGREDIENTS_TRIGRAMS_line_changed AFTER UPDATE OF recipe_id, ingredient ON INGREDIENTS "
-    "BEGIN " REINDEX("old.recipe_id") REINDEX("new.recipe_id") " END",
+    "CREATE TRIGGER CABINET_AVAILABILITY_line_out AFTER DELETE ON INGREDIENTS BEGIN " LINE_OUT LINE_UNINDEXED(
+        "old") " END",
+    // A line's text or place changed.
+    "CREATE TRIGGER INGREDIENT_LINE_TRIGRAMS_line_changed AFTER UPDATE OF recipe_id, ingred_id, ingredient ON "
+    "INGREDIENTS BEGIN " LINE_UNINDEXED("old") LINE_INDEXED("new") " END",
     // A line renamed (the cabinet tools' repair): as gone and come again.
     "CREATE TRIGGER CABINET_AVAILABILITY_line_moved AFTER UPDATE OF recipe_id, cabinet ON INGREDIENTS "
     "BEGIN " LINE_OUT COUNT_LINES(
@@ -117,9 +128,10 @@ bool isKept()
     }
     if (!onFile())
         return false;
-    const Recordset rs =
-        ExecuteSQL(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = '") + kPause + u'\'');
-    return rs && !rs.eof() && rs.integer(0) > 0;
+    // A file of an earlier version may keep the availability with an index of another shape.
+    const Recordset rs = ExecuteSQL(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name IN ('") + kPause +
+                                    QStringLiteral("', '") + kIngredientIndex + QStringLiteral("')"));
+    return rs && !rs.eof() && rs.integer(0) == 2;
 }
 
 } // namespace
@@ -210,6 +222,10 @@ bool KeepSearchIndexes()
     StatementBatch batch;
     if (!batch.begun())
         return false;
+    QSqlQuery q(gConn());
+    if (!DropSearchIndexes(q))
+        return false;
+    q.finish();
     for (const char *statement : kKeeping)
         if (ExecuteSQL(QString::fromLatin1(statement)).failed())
             return false; // rolled back with the batch; the search walks the lines meanwhile

@@ -5,8 +5,8 @@
 //   have a cabinet item of that type and how many of those items are not available (a recipe
 //   can be made when the first is above zero and the second zero, which is what walking every
 //   line answers);
-// - the ingredient index: each recipe's line texts in upper case, found by their trigrams, which
-//   narrows the ingredient search to the recipes that can hold the text.
+// - the ingredient index: each line's text in upper case, found by its trigrams, which narrows
+//   the ingredient search to the lines that can hold the text.
 // On a server, trigram indexes of titles and ingredient texts (pg_trgm) serve its LIKE directly,
 // and the server counts the cabinet's lines itself.
 

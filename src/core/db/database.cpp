@@ -246,11 +246,17 @@ Recordset failed(const QString &prepared, const StatementError &error);
 
 namespace {
 
+// Whether the file keeps the ingredient index and it holds every line (a line numbered outside
+// it, found through its own small index, is searched by walking the lines).
 bool keepsIngredientIndex(QSqlDatabase &db)
 {
     StatementError error;
-    const Recordset rs = RunStatement(
-        db, QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = '") + kIngredientIndex + u'\'', &error);
+    const Recordset rs =
+        RunStatement(db,
+                     QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = '") + kIngredientIndex +
+                         QStringLiteral("' AND NOT EXISTS (SELECT 1 FROM INGREDIENTS WHERE "
+                                        "ingred_id NOT BETWEEN 0 AND 1023)"),
+                     &error);
     return !error.failed && rs && !rs.eof() && rs.integer(0) > 0;
 }
 

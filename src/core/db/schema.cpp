@@ -159,3 +159,22 @@ QString RecipeDatabaseProblem(const QString &file)
     QSqlDatabase::removeDatabase(name);
     return problem;
 }
+
+bool DropSearchIndexes(QSqlQuery &q)
+{
+    // The triggers first: one left behind would name a table that is gone.
+    QStringList drops;
+    if (!q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'trigger' AND (name LIKE "
+                               "'CABINET_AVAILABILITY%' OR name LIKE 'INGREDIENT%TRIGRAMS%')")))
+        return false;
+    while (q.next())
+        drops << QStringLiteral("DROP TRIGGER IF EXISTS ") + q.value(0).toString();
+    for (const char *table :
+         {"CABINET_AVAILABILITY", "CABINET_AVAILABILITY_PAUSE", "INGREDIENTS_TRIGRAMS", "INGREDIENT_LINE_TRIGRAMS"})
+        drops << QStringLiteral("DROP TABLE IF EXISTS ") + QLatin1String(table);
+    drops << QStringLiteral("DROP INDEX IF EXISTS INGREDIENT_LINE_TRIGRAMS_outside");
+    for (const QString &drop : std::as_const(drops))
+        if (!q.exec(drop))
+            return false;
+    return true;
+}

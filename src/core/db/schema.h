@@ -5,6 +5,7 @@
 #include <QString>
 
 class QSqlDatabase;
+class QSqlQuery;
 
 // The shipped schema's statements for the file database.
 QString SchemaText();
@@ -22,3 +23,7 @@ QString RecipeDatabaseProblem(const QString &file);
 // Creates the tables in the open server database, all or nothing. A database that already
 // holds tables is never touched: false, with the reason in error.
 bool CreateServerSchema(QSqlDatabase &db, QString *error = nullptr);
+// Removes from the file database what it keeps for the searches (the cabinet's availability,
+// the ingredient index, and the triggers that keep them), of this version or an earlier one;
+// the next start makes them again. False when a statement failed.
+bool DropSearchIndexes(QSqlQuery &q);

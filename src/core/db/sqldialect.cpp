@@ -169,8 +169,8 @@ bool mayNeedTranslation(const QString &sql)
 }
 
 // "X.ingredient LIKE '%text%'" (translated, outside any quoted text) with a text of three or
-// more letters and no wildcard of its own narrowed to the recipes whose lines hold every
-// trigram of the text, which the index finds at once; the LIKE itself still decides each line,
+// more letters and no wildcard of its own narrowed to the lines that hold every trigram of the
+// text, which the index finds at once; the LIKE itself still decides each line,
 // so the rows are those of the statement as written. The index holds the lines in upper case
 // as the engine's LIKE compares them, and the trigrams compare their letters one for one.
 QString narrowByIngredientIndex(const QString &sql)
@@ -209,9 +209,11 @@ QString narrowByIngredientIndex(const QString &sql)
             continue;
         QString match = trigrams.join(QStringLiteral(" AND "));
         match.replace(u'\'', QStringLiteral("''"));
-        return sql.left(end + 1) + QStringLiteral(" AND ") + m.captured(1) +
-               QStringLiteral(".recipe_id IN (SELECT rowid FROM ") + kIngredientIndex + QStringLiteral(" WHERE ") +
-               kIngredientIndex + QStringLiteral(" MATCH '") + match + QStringLiteral("')") + sql.mid(end + 1);
+        const QString line = m.captured(1);
+        return sql.left(end + 1) + QStringLiteral(" AND (") + line + QStringLiteral(".recipe_id, ") + line +
+               QStringLiteral(".ingred_id) IN (SELECT rowid >> 10, rowid & 1023 FROM ") + kIngredientIndex +
+               QStringLiteral(" WHERE ") + kIngredientIndex + QStringLiteral(" MATCH '") + match +
+               QStringLiteral("')") + sql.mid(end + 1);
     }
     return sql;
 }

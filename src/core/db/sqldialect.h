@@ -13,9 +13,10 @@ enum class SqlEngine {
 
 QString TranslateJetSql(const QString &sql, SqlEngine engine = SqlEngine::Sqlite);
 
-// The index of the ingredient texts the file database may keep: a row a recipe, its lines'
-// texts in upper case, searched by the trigrams (three letters in a row) of a text.
-inline const QString kIngredientIndex = QStringLiteral("INGREDIENTS_TRIGRAMS");
+// The index of the ingredient texts the file database may keep: a row a line, keyed by
+// recipe_id * 1024 + ingred_id, its text in upper case, searched by the trigrams (three letters
+// in a row) of a text.
+inline const QString kIngredientIndex = QStringLiteral("INGREDIENT_LINE_TRIGRAMS");
 // Whether the statement searches the ingredient texts for a text (what the index speeds up).
 bool SearchesIngredientText(const QString &sql);
 

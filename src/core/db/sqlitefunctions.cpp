@@ -1,6 +1,7 @@
 #include "sqlitefunctions.h"
 
 #include "core/platform/platform.h"
+#include "core/db/schema.h"
 
 #include <QHash>
 #include <QSqlDatabase>
@@ -331,18 +332,10 @@ bool InstallCaseFolding(QSqlDatabase &db)
     q.finish();
     if (rule->everyLetter)
         return true;
-    // The kept availability counted items by the engine's rule: it is made again at start.
-    QStringList kept;
-    if (q.exec(QStringLiteral("SELECT type, name FROM sqlite_master WHERE name LIKE 'CABINET_AVAILABILITY%' "
-                              "ORDER BY type = 'table'"))) {
-        while (q.next())
-            kept << QStringLiteral("DROP %1 IF EXISTS %2").arg(q.value(0).toString().toUpper(), q.value(1).toString());
-    }
     if (!db.transaction())
         return false;
-    bool done = mergeCabinetItems(q);
-    for (const QString &drop : std::as_const(kept))
-        done = done && q.exec(drop);
+    // The kept availability counted items by the engine's rule: it is made again at start.
+    bool done = mergeCabinetItems(q) && DropSearchIndexes(q);
     rule->everyLetter = done;
     done = done && q.exec(QStringLiteral("REINDEX NOCASE")) &&
            q.exec(QStringLiteral("PRAGMA user_version = %1").arg(kFoldedEveryLetter));
