@@ -22,6 +22,15 @@ const QString kPause = QStringLiteral("CABINET_AVAILABILITY_PAUSE");
     " GROUP BY I.recipe_id, C.type ON CONFLICT (recipe_id, type) DO UPDATE SET matched = matched + excluded.matched, " \
     "missing = missing + excluded.missing"
 
+// The same for the items of the cabinet's type of that place (counted from 0; an insert's quoted
+// texts are taken for the household's own, so the type is not written out): the lines are read
+// in recipe order and grouped as they come, without the sort the grouping by type needs.
+#define COUNT_TYPE_LINES(place, where)                                                                                 \
+    "INSERT INTO CABINET_AVAILABILITY (recipe_id, type, matched, missing) SELECT I.recipe_id, C.type, count(*), "      \
+    "sum(C.available = 0) FROM INGREDIENTS I, CABINET C WHERE C.item = I.cabinet AND C.type = (SELECT DISTINCT type "  \
+    "FROM CABINET ORDER BY type LIMIT 1 OFFSET " place ") AND " where " GROUP BY I.recipe_id ON CONFLICT (recipe_id, " \
+    "type) DO UPDATE SET matched = matched + excluded.matched, missing = missing + excluded.missing"
+
 // A line taken out of the counts of every type that has its item.
 #define LINE_OUT                                                                                                       \
     "UPDATE CABINET_AVAILABILITY SET matched = matched - 1, missing = missing - (SELECT C.available = 0 FROM "         \
@@ -78,6 +87,9 @@ const char *const kKeeping[] = {
     "CREATE TABLE CABINET_AVAILABILITY_PAUSE (from_id INTEGER NOT NULL)",
     "CREATE VIRTUAL TABLE INGREDIENT_LINE_TRIGRAMS USING fts5(line, tokenize = 'trigram', detail = none, content = "
     "'', columnsize = 0)",
+    // An import indexes its lines at its end: held in memory a while longer, they are written in
+    // fewer pieces, which need less merging as the collection grows.
+    "INSERT INTO INGREDIENT_LINE_TRIGRAMS (INGREDIENT_LINE_TRIGRAMS, rank) VALUES ('hashsize', 8388608)",
     // The lines the index leaves out, found at once (there are none, as a rule).
     "CREATE INDEX INGREDIENT_LINE_TRIGRAMS_outside ON INGREDIENTS(recipe_id, ingred_id) WHERE ingred_id NOT "
     "BETWEEN 0 AND 1023",
@@ -102,10 +114,23 @@ const char *const kKeeping[] = {
     "CREATE TRIGGER CABINET_AVAILABILITY_item_moved AFTER UPDATE OF item, type ON CABINET WHEN old.item IS "
     "NOT "
     "new.item OR old.type IS NOT new.type BEGIN " ITEM_LINES("old", "-") ITEM_IN " END",
-    // What is stored now.
-    COUNT_LINES("1 = 1"),
+    // What is stored now (its lines counted after, by countLines).
     INDEX_LINES("1 = 1"),
 };
+
+// Counts the lines the condition on "I" names. Type by type is quicker for the one or two
+// types a household's cabinet holds (each reads the lines once); beyond, one sort is.
+bool countLines(const QString &where)
+{
+    const Recordset rs = ExecuteSQL(QStringLiteral("SELECT count(DISTINCT type) FROM CABINET"));
+    const qint64 types = rs && !rs.eof() ? rs.integer(0) : 0;
+    if (types > 2)
+        return !ExecuteSQL(QString::fromLatin1(COUNT_LINES("%1")).arg(where)).failed();
+    for (qint64 type = 0; type < types; ++type)
+        if (ExecuteSQL(QString::fromLatin1(COUNT_TYPE_LINES("%1", "%2")).arg(type).arg(where)).failed())
+            return false;
+    return true;
+}
 
 bool onFile()
 {
@@ -229,7 +254,7 @@ bool KeepSearchIndexes()
     for (const char *statement : kKeeping)
         if (ExecuteSQL(QString::fromLatin1(statement)).failed())
             return false; // rolled back with the batch; the search walks the lines meanwhile
-    return batch.commit();
+    return countLines(QStringLiteral("1 = 1")) && batch.commit();
 }
 
 namespace {
@@ -304,7 +329,7 @@ bool SearchIndexesBulk::finish()
     const qint64 from = std::exchange(m_from, 0);
     return !ExecuteSQL(QStringLiteral("DELETE FROM CABINET_AVAILABILITY_PAUSE WHERE from_id = %1").arg(from))
                 .failed() &&
-           !ExecuteSQL(QString::fromLatin1(COUNT_LINES("I.recipe_id >= %1")).arg(from)).failed() &&
+           countLines(QStringLiteral("I.recipe_id >= %1").arg(from)) &&
            !ExecuteSQL(QString::fromLatin1(INDEX_LINES("recipe_id >= %1")).arg(from)).failed() &&
            !ExecuteSQL(QString::fromLatin1(kLineIn)).failed();
 }
