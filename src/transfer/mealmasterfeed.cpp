@@ -19,6 +19,7 @@ void MealMasterFeed::read(QIODevice &file, const MeasureCodes &codes, const Prep
     try {
         MealMasterReader reader(file, codes);
         Read item;
+        std::vector<MealMasterRecipe> spent;
         while (reader.next(item.recipe)) {
             item.position = reader.position();
             if (prepare)
@@ -32,9 +33,11 @@ void MealMasterFeed::read(QIODevice &file, const MeasureCodes &codes, const Prep
             // The import waits only on an empty queue; waking it for every recipe would cost
             // more than the parsing saves.
             const bool wasEmpty = m_ready.size() == 1;
+            spent.swap(m_spent);
             lock.unlock();
             if (wasEmpty)
                 m_changed.notify_all();
+            spent.clear();
         }
     } catch (...) {
         const std::lock_guard lock(m_mutex);
@@ -56,6 +59,7 @@ bool MealMasterFeed::next(MealMasterRecipe &out, qint64 &position)
             std::rethrow_exception(std::exchange(m_failure, nullptr));
         return false;
     }
+    m_spent.push_back(std::move(out));
     out = std::move(m_ready.front().recipe);
     position = m_ready.front().position;
     m_ready.pop_front();

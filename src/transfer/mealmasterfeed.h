@@ -10,6 +10,7 @@
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 class MealMasterFeed
 {
@@ -40,6 +41,9 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Read> m_ready;
+    // The recipes the import is done with, freed by the reading thread that made them: memory
+    // is given back quicker where it was taken, and the storing has the less to do.
+    std::vector<MealMasterRecipe> m_spent;
     bool m_finished = false; // the reading has come to the end, or failed
     bool m_stop = false; // the import wants no more
     std::exception_ptr m_failure;
