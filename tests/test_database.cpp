@@ -79,6 +79,8 @@ private Q_SLOTS:
         row("like", false, "SELECT 1 WHERE UCASE(A.title) LIKE '%X%'", "SELECT 1 WHERE A.title LIKE '%X%'");
         row("like (server)", true, "SELECT 1 WHERE UCASE(A.title) LIKE '%X%' OR rating like 'x'",
             "SELECT 1 WHERE A.title::text ILIKE '%X%' OR rating ILIKE 'x'");
+        row("any text (server)", true, "SELECT 1 WHERE rating LIKE '%' AND A.x LIKE '%''' AND y = 'z LIKE '%''",
+            "SELECT 1 WHERE rating IS NOT NULL AND A.x ILIKE '%''' AND y = 'z LIKE '%''");
         // A server keeps flags apart from numbers; the file engine takes them as they are.
         row("flags", false, "UPDATE CABINET SET available = True WHERE item = 'x = TRUE'",
             "UPDATE CABINET SET available = True WHERE item = 'x = TRUE'");
@@ -96,7 +98,8 @@ private Q_SLOTS:
         row("cabinet by name (server)", true, "SELECT * FROM CABINET C WHERE item = 'x ORDER BY y'",
             "SELECT * FROM CABINET C WHERE item = 'x ORDER BY y' ORDER BY item, type");
         row("order given (server)", true, "SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE ORDER BY A.title",
-            "SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE ORDER BY A.title");
+            "SELECT id, title FROM (SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE) AS S ORDER BY "
+            "lower(S.title::text), S.id");
         row("count (server)", true, "SELECT count(*) FROM RECIPE", "SELECT count(*) FROM RECIPE");
         row("join (server)", true, "SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item",
             "SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item");
