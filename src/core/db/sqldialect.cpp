@@ -3,7 +3,32 @@
 #include <QHash>
 #include <QRegularExpression>
 
+#include <functional>
+#include <optional>
+
 namespace {
+
+// Each match of the expression in text has its capture group replaced with what make gives
+// for it; a match it gives nothing for stays as it is.
+void replaceEach(QString &text, const QRegularExpression &expression, int group,
+                 const std::function<std::optional<QString>(const QRegularExpressionMatch &)> &make)
+{
+    QString out;
+    qsizetype last = 0;
+    for (auto it = expression.globalMatch(text); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        const std::optional<QString> replacement = make(m);
+        if (!replacement)
+            continue;
+        out += QStringView(text).mid(last, m.capturedStart(group) - last);
+        out += *replacement;
+        last = m.capturedEnd(group);
+    }
+    if (last == 0)
+        return;
+    out += QStringView(text).mid(last);
+    text = out;
+}
 
 // The stored flags (a cabinet item's "available") are the numbers 0 and 1, as the original
 // engine's TRUE and FALSE compare with numbers. A server keeps TRUE and FALSE apart from
@@ -16,16 +41,9 @@ void numberFlags(QString &code)
         return;
     static const QRegularExpression flag(QStringLiteral("(=|<>)(\\s*)\\b(TRUE|FALSE)\\b"),
                                          QRegularExpression::CaseInsensitiveOption);
-    QString out;
-    qsizetype last = 0;
-    for (auto it = flag.globalMatch(code); it.hasNext();) {
-        const QRegularExpressionMatch m = it.next();
-        out += QStringView(code).mid(last, m.capturedStart(3) - last);
-        out += m.captured(3).compare(QLatin1String("TRUE"), Qt::CaseInsensitive) == 0 ? u'1' : u'0';
-        last = m.capturedEnd(3);
-    }
-    out += QStringView(code).mid(last);
-    code = out;
+    replaceEach(code, flag, 3, [](const QRegularExpressionMatch &m) {
+        return QString(m.captured(3).compare(QLatin1String("TRUE"), Qt::CaseInsensitive) == 0 ? u'1' : u'0');
+    });
 }
 
 // The original engine's LIKE ignores case; so does SQLite's (with our functions, for every
@@ -114,20 +132,11 @@ void anyTextAsNotNull(QString &sql)
 {
     static const QRegularExpression any(QStringLiteral("\\b([A-Za-z_][A-Za-z0-9_.]*)\\s+ILIKE\\s+'%'(?!')"),
                                         QRegularExpression::CaseInsensitiveOption);
-    QString out;
-    qsizetype last = 0;
-    for (auto it = any.globalMatch(sql); it.hasNext();) {
-        const QRegularExpressionMatch m = it.next();
+    replaceEach(sql, any, 0, [&sql](const QRegularExpressionMatch &m) -> std::optional<QString> {
         if (QStringView(sql).first(m.capturedStart()).count(u'\'') % 2 != 0)
-            continue; // inside a quoted text
-        out += QStringView(sql).mid(last, m.capturedStart() - last);
-        out += m.captured(1) + QStringLiteral(" IS NOT NULL");
-        last = m.capturedEnd();
-    }
-    if (last == 0)
-        return;
-    out += QStringView(sql).mid(last);
-    sql = out;
+            return std::nullopt; // inside a quoted text
+        return m.captured(1) + QStringLiteral(" IS NOT NULL");
+    });
 }
 
 // The search window's list in title order. A server compares case-blind titles (citext) by
