@@ -100,6 +100,10 @@ private Q_SLOTS:
         row("order given (server)", true, "SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE ORDER BY A.title",
             "SELECT id, title FROM (SELECT DISTINCT id, title FROM RECIPE A WHERE TRUE) AS S ORDER BY "
             "lower(S.title::text), S.id");
+        row("ingredient search (server)", true,
+            "SELECT DISTINCT id, title FROM RECIPE A, INGREDIENTS B WHERE A.id = B.recipe_id ORDER BY A.title",
+            "SELECT id, title FROM (SELECT DISTINCT id, title FROM RECIPE A, INGREDIENTS B WHERE A.id = B.recipe_id) "
+            "AS S ORDER BY lower(S.title::text), S.id");
         row("count (server)", true, "SELECT count(*) FROM RECIPE", "SELECT count(*) FROM RECIPE");
         row("join (server)", true, "SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item",
             "SELECT * FROM INGREDIENTS A, CABINET B WHERE A.cabinet = B.item");

@@ -145,9 +145,10 @@ void anyTextAsNotNull(QString &sql)
 // the order is the same.
 void sortedByFoldedTitle(QString &sql)
 {
-    static const QString search = QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A ");
+    static const QString search = QStringLiteral("SELECT DISTINCT id, title FROM RECIPE A");
     static const QString order = QStringLiteral(" ORDER BY A.title");
-    if (sql.startsWith(search) && sql.endsWith(order))
+    if (sql.startsWith(search) && sql.size() > search.size() &&
+        (sql[search.size()] == u' ' || sql[search.size()] == u',') && sql.endsWith(order))
         sql = QStringLiteral("SELECT id, title FROM (") + sql.chopped(order.size()) +
               QStringLiteral(") AS S ORDER BY lower(S.title::text), S.id");
 }
