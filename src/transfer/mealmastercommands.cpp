@@ -67,11 +67,16 @@ bool importFile(const QString &path, const MeasureCodes &codes, const StatusCanc
         source.seek(from);
         return source.read(to - from);
     };
-    // The recipes' bound form is made on the reading thread.
-    MealMasterFeed feed(file, codes, [](MealMasterRecipe &read) {
-        if (read.problem.isEmpty())
-            read.prepared = BoundRecipe(read.recipe);
-    });
+    // The recipes' bound form is made on the reading thread; a server, which takes each recipe
+    // through the statements, needs none.
+    MealMasterFeed::Prepare prepare;
+    if (gConn().driverName() != u"QPSQL") {
+        prepare = [](MealMasterRecipe &read) {
+            if (read.problem.isEmpty())
+                read.prepared = BoundRecipe(read.recipe);
+        };
+    }
+    MealMasterFeed feed(file, codes, prepare);
     MealMasterRecipe read;
     qint64 position = 0;
     bool goOn = true;
