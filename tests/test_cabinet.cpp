@@ -6,6 +6,7 @@
 #include "cabinet/frmcabinet.h"
 #include "core/platform/appstate.h"
 #include "core/db/database.h"
+#include "recipes/cabinetnames.h"
 #include "recipes/reciperepository.h"
 #include "reports/recipeprinter.h"
 #include "search/frmsearch.h"
@@ -347,6 +348,24 @@ private Q_SLOTS:
         QCOMPARE(cabinet("F"), (QStringList {"saffron", "salt*"}));
         QCOMPARE(cabinet("D"), QStringList {"salt"});
         QVERIFY(m_boxes->boxes.isEmpty());
+    }
+
+    // An import gathers its recipes' names: each once a type, in its first spelling.
+    void namesAreGatheredOnceATypeAcrossRecipes()
+    {
+        const auto recipe = [](const char *type, const QStringList &names) {
+            RecipeData r;
+            r.recipeType = QString::fromLatin1(type);
+            for (const QString &name : names)
+                r.ingredients.append({QString(), QString(), QString(), name, name});
+            return r;
+        };
+        CabinetNames names;
+        names.add(recipe("Food", {"Saffron", "salt"}));
+        names.add(recipe("Food", {"SAFFRON", "Saffron", "salt"}));
+        names.add(recipe("Drink", {"Saffron", "saffron"}));
+        const QList<std::pair<QString, QString>> expected {{"Saffron", "F"}, {"salt", "F"}, {"Saffron", "D"}};
+        QCOMPARE(names.items(), expected);
     }
 
     void refreshAddsExactlyTheMissingPairs()

@@ -23,8 +23,13 @@ void CabinetNames::add(const QString &name, const QString &type)
 void CabinetNames::add(const RecipeData &recipe)
 {
     const QString type = recipe.recipeType.left(1);
-    for (const IngredientLine &line : recipe.ingredients)
-        add(line.cabinet, type);
+    QSet<QString> &spelled = m_spelled[type];
+    for (const IngredientLine &line : recipe.ingredients) {
+        if (!spelled.contains(line.cabinet)) {
+            spelled.insert(line.cabinet);
+            add(line.cabinet, type);
+        }
+    }
 }
 
 QStringList AddCabinetItems(const CabinetNames &names, const std::function<void()> &added)

@@ -4,6 +4,7 @@
 
 #include "recipedata.h"
 
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -24,6 +25,9 @@ public:
 private:
     QList<std::pair<QString, QString>> m_items;
     QSet<QString> m_seen;
+    // The names of a recipe's lines as they were spelled, by type: an import's lines repeat a
+    // few names over and over, and a name met before as it stands needs no folding.
+    QHash<QString, QSet<QString>> m_spelled;
 };
 
 // Adds to the cabinet, as not available, the items it does not hold yet; added is called after
