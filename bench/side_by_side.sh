@@ -5,7 +5,7 @@
 # Needs anymeal, Xvfb, xdotool, xev and a built tree; prints nothing when one is missing. The clicks
 # go to where each program puts its menus on a display without a window manager.
 set -u
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/.." || exit 1
 for tool in anymeal Xvfb xdotool xev bc; do
   command -v "$tool" >/dev/null || { echo "side_by_side: $tool is not installed; no figures"; exit 0; }
 done
@@ -15,7 +15,7 @@ Xvfb "$DISPLAY" -screen 0 1280x1024x24 >/dev/null 2>&1 &
 xvfb=$!
 disown
 trap 'pkill -x anymeal; pkill -x mirepan; pkill -x xev; kill $xvfb; rm -rf "$work"' EXIT
-QT_QPA_PLATFORM=offscreen DISPLAY= build/bench/bench_mealmaster --write "$work/collection.mmf" 2>/dev/null
+QT_QPA_PLATFORM=offscreen DISPLAY='' build/bench/bench_mealmaster --write "$work/collection.mmf" 2>/dev/null
 sleep 1
 
 waitFor() { # a window of that name, for at most about 30 s
@@ -50,7 +50,7 @@ timedImport() {
   echo "($end - $start) * 1000" | bc
 }
 anymealOnce() {
-  rm -rf "$work/home" && mkdir -p "$work/home"
+  rm -rf "${work:?}/home" && mkdir -p "$work/home"
   (HOME="$work/home" QT_QUICK_BACKEND=software anymeal >/dev/null 2>&1 &)
   waitFor AnyMeal && sleep 3
   xdotool windowactivate --sync "$(xdotool search --name '^AnyMeal$' | head -1)" 2>/dev/null
@@ -62,7 +62,7 @@ anymealOnce() {
   pkill -x anymeal; sleep 1
 }
 mirepanOnce() {
-  rm -rf "$work/home" && mkdir -p "$work/home"
+  rm -rf "${work:?}/home" && mkdir -p "$work/home"
   (cd "$work/home" && MIREPAN_HOME="$work/home" MIREPAN_DATASOURCES="$work/home/datasources.ini" \
     "$OLDPWD/build/bin/mirepan" >/dev/null 2>&1 &)
   waitFor Mirepan && sleep 9 # the first start makes the database
