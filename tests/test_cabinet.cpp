@@ -353,19 +353,14 @@ private Q_SLOTS:
     // An import gathers its recipes' names: each once a type, in its first spelling.
     void namesAreGatheredOnceATypeAcrossRecipes()
     {
-        const auto recipe = [](const char *type, const QStringList &names) {
-            RecipeData r;
-            r.recipeType = QString::fromLatin1(type);
-            for (const QString &name : names)
-                r.ingredients.append({QString(), QString(), QString(), name, name});
-            return r;
-        };
         CabinetNames names;
-        names.add(recipe("Food", {"Saffron", "salt"}));
-        names.add(recipe("Food", {"SAFFRON", "Saffron", "salt"}));
-        names.add(recipe("Drink", {"Saffron", "saffron"}));
-        const QList<std::pair<QString, QString>> expected {{"Saffron", "F"}, {"salt", "F"}, {"Saffron", "D"}};
-        QCOMPARE(names.items(), expected);
+        for (const auto &[type, name] : {std::pair {"Food", "Saffron"}, {"Food", "SAFFRON"}, {"Drink", "Saffron"}}) {
+            RecipeData recipe;
+            recipe.recipeType = QString::fromLatin1(type);
+            recipe.ingredients.append({{}, {}, {}, {}, QString::fromLatin1(name)});
+            names.add(recipe);
+        }
+        QCOMPARE(names.items(), (QList<std::pair<QString, QString>> {{"Saffron", "F"}, {"Saffron", "D"}}));
     }
 
     void refreshAddsExactlyTheMissingPairs()
