@@ -13,6 +13,10 @@ QString key(const QString &name, const QString &type)
 
 void CabinetNames::add(const QString &name, const QString &type)
 {
+    QSet<QString> &spelled = m_spelled[type];
+    if (spelled.contains(name))
+        return;
+    spelled.insert(name);
     const QString k = key(name, type);
     if (!m_seen.contains(k)) {
         m_seen.insert(k);
@@ -23,13 +27,8 @@ void CabinetNames::add(const QString &name, const QString &type)
 void CabinetNames::add(const RecipeData &recipe)
 {
     const QString type = recipe.recipeType.left(1);
-    QSet<QString> &spelled = m_spelled[type];
-    for (const IngredientLine &line : recipe.ingredients) {
-        if (!spelled.contains(line.cabinet)) {
-            spelled.insert(line.cabinet);
-            add(line.cabinet, type);
-        }
-    }
+    for (const IngredientLine &line : recipe.ingredients)
+        add(line.cabinet, type);
 }
 
 QStringList AddCabinetItems(const CabinetNames &names, const std::function<void()> &added)

@@ -25,8 +25,8 @@ public:
 private:
     QList<std::pair<QString, QString>> m_items;
     QSet<QString> m_seen;
-    // The names of a recipe's lines as they were spelled, by type: an import's lines repeat a
-    // few names over and over, and a name met before as it stands needs no folding.
+    // The names met, as they were spelled, by type: an import's lines repeat a few names over
+    // and over, and a name met before as it stands needs no folding.
     QHash<QString, QSet<QString>> m_spelled;
 };
 
